@@ -1,0 +1,371 @@
+// The engine core against a real X server: window, clock, input through X, exit paths.
+
+#include "engine/Orvel.h"
+
+#include <cstdio>
+#include <cstring>
+#include <deque>
+#include <string>
+#include <vector>
+#include <sys/wait.h>
+
+#include <gtest/gtest.h>
+#include <SDL/SDL.h>
+#include <GL/gl.h>
+
+#include "tests/engine/XDriver.h"
+
+using orvel::Orvel;
+
+// SDL calls made by the engine pass through these wrappers (linked with --wrap), so tests can
+// script the clock and see the order of shutdown calls. Unscripted calls go to SDL.
+namespace {
+std::deque<Uint32> g_scriptedTicks;
+std::vector<std::string> g_calls;
+bool g_recording = false;
+} // namespace
+
+extern "C" {
+Uint32 __real_SDL_GetTicks(void);
+void __real_SDL_Delay(Uint32 ms);
+int __real_SDL_WM_ToggleFullScreen(SDL_Surface* surface);
+void __real_SDL_Quit(void);
+
+Uint32 __wrap_SDL_GetTicks(void) {
+    if (g_scriptedTicks.empty()) return __real_SDL_GetTicks();
+    Uint32 t = g_scriptedTicks.front();
+    g_scriptedTicks.pop_front();
+    return t;
+}
+
+void __wrap_SDL_Delay(Uint32 ms) {
+    if (g_recording) g_calls.push_back("SDL_Delay(" + std::to_string(ms) + ")");
+    __real_SDL_Delay(ms);
+}
+
+int __wrap_SDL_WM_ToggleFullScreen(SDL_Surface* surface) {
+    if (g_recording) g_calls.push_back(std::string("SDL_WM_ToggleFullScreen:") + (surface ? "window" : "null"));
+    return __real_SDL_WM_ToggleFullScreen(surface);
+}
+
+void __wrap_SDL_Quit(void) {
+    if (g_recording) g_calls.push_back("SDL_Quit");
+    __real_SDL_Quit();
+}
+}
+
+namespace {
+
+const int KEY_A = 97; // SDLK_a
+
+class OrvelWindow : public ::testing::Test {
+protected:
+    void SetUp() override {
+        g_scriptedTicks.clear();
+        g_calls.clear();
+        g_recording = false;
+    }
+    void TearDown() override {
+        if (Orvel::window) Orvel::quit();
+    }
+
+    static void openWindow() {
+        Orvel::init(320, 240, "Input", false, false);
+        ASSERT_NE(Orvel::window, nullptr);
+        // No window manager runs: keys go to the window under the pointer.
+        ASSERT_TRUE(xdriver::xdotool("mousemove --window " + std::to_string(xdriver::sdlWindow()) + " 10 10"));
+        ASSERT_TRUE(xdriver::waitFor([] { return Orvel::events->mouseLiveX == 10; }));
+    }
+
+    static bool liveKey(int k) { return (Orvel::events->keysLive[k / 32] >> (k % 32)) & 1; }
+};
+
+// Runs a shell command and returns its exit status and everything it printed.
+struct ProcessResult {
+    int status;
+    std::string output;
+};
+
+ProcessResult runCommand(const std::string& command) {
+    ProcessResult result{-1, ""};
+    FILE* pipe = popen(command.c_str(), "r");
+    if (!pipe) return result;
+    char buffer[256];
+    while (fgets(buffer, sizeof buffer, pipe)) result.output += buffer;
+    int status = pclose(pipe);
+    result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return result;
+}
+
+} // namespace
+
+TEST_F(OrvelWindow, InitWithoutSizeOrTitleOpens640By480CaptionedDemo) {
+    Orvel::init(0, -5, nullptr, false, true);
+    ASSERT_NE(Orvel::window, nullptr);
+    EXPECT_EQ(Orvel::getScreenWidth(), 640);
+    EXPECT_EQ(Orvel::getScreenHeight(), 480);
+    EXPECT_EQ(Orvel::window->w, 640);
+    EXPECT_EQ(Orvel::window->h, 480);
+    EXPECT_STREQ(Orvel::title, "Demo");
+    EXPECT_EQ(xdriver::windowName(xdriver::sdlWindow()), "Demo");
+}
+
+TEST_F(OrvelWindow, InitOpensGlWindowWithCaptionAndStartsEventThread) {
+    Orvel::init(800, 600, "Nightvector - test", false, true);
+    ASSERT_NE(Orvel::window, nullptr);
+    EXPECT_TRUE(Orvel::window->flags & SDL_OPENGL);
+    EXPECT_FALSE(Orvel::window->flags & SDL_FULLSCREEN);
+    EXPECT_EQ(Orvel::window->w, 800);
+    EXPECT_EQ(Orvel::window->h, 600);
+    EXPECT_EQ(xdriver::windowName(xdriver::sdlWindow()), "Nightvector - test");
+    ASSERT_NE(Orvel::events, nullptr);
+    EXPECT_NE(Orvel::events->thread, nullptr);
+    int stencil = 0;
+    SDL_GL_GetAttribute(SDL_GL_STENCIL_SIZE, &stencil);
+    EXPECT_EQ(stencil, 8);
+    GLint hint = 0;
+    glGetIntegerv(GL_PERSPECTIVE_CORRECTION_HINT, &hint);
+    EXPECT_EQ(hint, GL_NICEST);
+}
+
+TEST_F(OrvelWindow, KeyThroughXIsPressedForOneUpdateDownWhileHeldReleasedForOne) {
+    openWindow();
+    Orvel::update();
+    ASSERT_TRUE(xdriver::xdotool("keydown a"));
+    ASSERT_TRUE(xdriver::waitFor([] { return liveKey(KEY_A); }));
+    Orvel::update();
+    EXPECT_TRUE(Orvel::keyPressed(KEY_A));
+    EXPECT_TRUE(Orvel::keyDown(KEY_A));
+    EXPECT_FALSE(Orvel::keyReleased(KEY_A));
+    Orvel::update();
+    EXPECT_FALSE(Orvel::keyPressed(KEY_A));
+    EXPECT_TRUE(Orvel::keyDown(KEY_A));
+    Orvel::update();
+    EXPECT_TRUE(Orvel::keyDown(KEY_A));
+
+    ASSERT_TRUE(xdriver::xdotool("keyup a"));
+    ASSERT_TRUE(xdriver::waitFor([] { return !liveKey(KEY_A); }));
+    Orvel::update();
+    EXPECT_TRUE(Orvel::keyReleased(KEY_A));
+    EXPECT_FALSE(Orvel::keyDown(KEY_A));
+    Orvel::update();
+    EXPECT_FALSE(Orvel::keyReleased(KEY_A));
+}
+
+TEST_F(OrvelWindow, MouseButtonThroughXIsPressedForOneUpdateAndReleasedForOne) {
+    openWindow();
+    Orvel::update();
+    ASSERT_TRUE(xdriver::xdotool("mousedown 3"));
+    ASSERT_TRUE(xdriver::waitFor([] { return Orvel::events->buttonsLive == (1u << 3); }));
+    Orvel::update();
+    EXPECT_TRUE(Orvel::mousePressed(3));
+    EXPECT_TRUE(Orvel::mouseDown(3));
+    EXPECT_FALSE(Orvel::mouseDown(1));
+    Orvel::update();
+    EXPECT_FALSE(Orvel::mousePressed(3));
+    EXPECT_TRUE(Orvel::mouseDown(3));
+
+    ASSERT_TRUE(xdriver::xdotool("mouseup 3"));
+    ASSERT_TRUE(xdriver::waitFor([] { return Orvel::events->buttonsLive == 0; }));
+    Orvel::update();
+    EXPECT_TRUE(Orvel::mouseReleased(3));
+    EXPECT_FALSE(Orvel::mouseDown(3));
+    Orvel::update();
+    EXPECT_FALSE(Orvel::mouseReleased(3));
+}
+
+TEST_F(OrvelWindow, PointerMotionThroughXReachesTheNextFrame) {
+    openWindow();
+    Orvel::update();
+    ASSERT_TRUE(xdriver::xdotool("mousemove --window " + std::to_string(xdriver::sdlWindow()) + " 123 45"));
+    ASSERT_TRUE(xdriver::waitFor([] { return Orvel::events->mouseLiveX == 123; }));
+    EXPECT_EQ(Orvel::mouseX(), 10);
+    Orvel::update();
+    EXPECT_EQ(Orvel::mouseX(), 123);
+    EXPECT_EQ(Orvel::mouseY(), 45);
+    EXPECT_EQ(Orvel::events->mousePrevX, 10);
+    EXPECT_EQ(Orvel::events->mousePrevY, 10);
+}
+
+TEST_F(OrvelWindow, ButtonNumbersWrapIntoThe32BitSet) {
+    openWindow();
+    SDL_Event event;
+    memset(&event, 0, sizeof event);
+    event.type = SDL_MOUSEBUTTONDOWN;
+    event.button.button = 33;
+    ASSERT_EQ(SDL_PushEvent(&event), 0);
+    ASSERT_TRUE(xdriver::waitFor([] { return Orvel::events->buttonsLive == (1u << 1); }));
+    event.type = SDL_MOUSEBUTTONUP;
+    ASSERT_EQ(SDL_PushEvent(&event), 0);
+    ASSERT_TRUE(xdriver::waitFor([] { return Orvel::events->buttonsLive == 0; }));
+}
+
+TEST_F(OrvelWindow, UpdateOfSameMillisecondWaitsOneMillisecondAndReadsClockAgain) {
+    openWindow();
+    g_scriptedTicks = {5000};
+    Orvel::update();
+    g_recording = true;
+    g_scriptedTicks = {5000, 5001};
+    Orvel::update();
+    EXPECT_EQ(g_calls, std::vector<std::string>{"SDL_Delay(1)"});
+    EXPECT_EQ(Orvel::currentTime, 5001u);
+    EXPECT_EQ(Orvel::lastTime, 5000u);
+    EXPECT_EQ(Orvel::sync, 0.001f);
+    EXPECT_EQ(Orvel::sync16, 65);
+}
+
+TEST_F(OrvelWindow, ClockStandingStillThroughTheWaitGivesZeroFrame) {
+    openWindow();
+    g_scriptedTicks = {7000};
+    Orvel::update();
+    g_scriptedTicks = {7000, 7000};
+    Orvel::update();
+    EXPECT_TRUE(g_scriptedTicks.empty());
+    EXPECT_EQ(Orvel::sync, 0.0f);
+    EXPECT_EQ(Orvel::sync16, 0);
+}
+
+TEST_F(OrvelWindow, SixteenMillisecondUpdateGivesSync16Of1048AndCountsTheFrame) {
+    openWindow();
+    g_scriptedTicks = {9000};
+    Orvel::update();
+    uint32_t frames = Orvel::framenum;
+    g_recording = true;
+    g_scriptedTicks = {9016};
+    Orvel::update();
+    EXPECT_TRUE(g_calls.empty());
+    EXPECT_EQ(Orvel::currentTime, 9016u);
+    EXPECT_EQ(Orvel::lastTime, 9000u);
+    EXPECT_EQ(Orvel::tm_current, 9016u);
+    EXPECT_EQ(Orvel::tm_last, 9000u);
+    EXPECT_EQ(Orvel::sync, 0.001f * 16.0f);
+    EXPECT_EQ(Orvel::sync16, 1048);
+    EXPECT_EQ(Orvel::framenum, frames + 1);
+}
+
+TEST_F(OrvelWindow, QuitAfterFullScreenInitLeavesFullScreenBeforeShuttingSdlDown) {
+    Orvel::init(640, 480, "Full", true, true);
+    ASSERT_NE(Orvel::window, nullptr);
+    EXPECT_TRUE(Orvel::fullscreen);
+    g_recording = true;
+    Orvel::quit();
+    EXPECT_EQ(g_calls, (std::vector<std::string>{"SDL_WM_ToggleFullScreen:window", "SDL_Quit"}));
+}
+
+TEST_F(OrvelWindow, QuitAfterWindowedInitDoesNotToggle) {
+    Orvel::init(640, 480, "Windowed", false, true);
+    g_recording = true;
+    Orvel::quit();
+    EXPECT_EQ(g_calls, std::vector<std::string>{"SDL_Quit"});
+}
+
+TEST_F(OrvelWindow, QuitResetsStateButKeepsFullScreenFlagAndFrameCount) {
+    Orvel::init(640, 480, "Reset", false, true);
+    Orvel::update();
+    Orvel::update();
+    uint32_t frames = Orvel::framenum;
+    Orvel::setAutoExit(false);
+    Orvel::quit();
+    EXPECT_EQ(Orvel::window, nullptr);
+    EXPECT_EQ(Orvel::title, nullptr);
+    EXPECT_EQ(Orvel::events, nullptr);
+    EXPECT_EQ(Orvel::width, 0);
+    EXPECT_EQ(Orvel::height, 0);
+    EXPECT_EQ(Orvel::sync, 0.0f);
+    EXPECT_EQ(Orvel::sync16, 0);
+    EXPECT_EQ(Orvel::currentTime, 0u);
+    EXPECT_EQ(Orvel::lastTime, 0u);
+    EXPECT_EQ(Orvel::tm_current, 0u);
+    EXPECT_EQ(Orvel::tm_last, 0u);
+    EXPECT_TRUE(Orvel::autoexit);
+    EXPECT_FALSE(Orvel::fullscreen);
+    EXPECT_EQ(Orvel::framenum, frames);
+    EXPECT_EQ(SDL_WasInit(SDL_INIT_VIDEO), 0u);
+}
+
+TEST_F(OrvelWindow, InitAgainAfterQuitOpensFreshWindowAndInput) {
+    Orvel::init(640, 480, "First", false, true);
+    Orvel::quit();
+    openWindow();
+    EXPECT_EQ(xdriver::windowName(xdriver::sdlWindow()), "Input");
+    ASSERT_NE(Orvel::events, nullptr);
+    EXPECT_NE(Orvel::events->thread, nullptr);
+    ASSERT_TRUE(xdriver::xdotool("keydown a"));
+    ASSERT_TRUE(xdriver::waitFor([] { return liveKey(KEY_A); }));
+    Orvel::update();
+    EXPECT_TRUE(Orvel::keyPressed(KEY_A));
+    ASSERT_TRUE(xdriver::xdotool("keyup a"));
+}
+
+TEST_F(OrvelWindow, CloseRequestWithoutAutoExitOnlySetsTheFlag) {
+    openWindow();
+    Orvel::setAutoExit(false);
+    xdriver::requestClose(xdriver::sdlWindow());
+    ASSERT_TRUE(xdriver::waitFor([] { return Orvel::events->closeRequested; }));
+    Orvel::update();
+    EXPECT_TRUE(Orvel::events->closeRequested);
+    EXPECT_NE(Orvel::window, nullptr);
+}
+
+TEST_F(OrvelWindow, FillScreenCoversTheViewportWithWhite) {
+    Orvel::init(64, 48, "Fill", false, false);
+    glViewport(0, 0, 64, 48);
+    glDisable(GL_TEXTURE_2D);
+    glDisable(GL_BLEND);
+    glClearColor(0, 0, 0, 1);
+    glClear(GL_COLOR_BUFFER_BIT);
+    glMatrixMode(GL_PROJECTION);
+    glScalef(0.25f, 0.25f, 1);
+    Orvel::fillScreen();
+    glFinish();
+    std::vector<GLubyte> pixels(64 * 48 * 4);
+    glReadPixels(0, 0, 64, 48, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
+    for (int i = 0; i < 64 * 48; ++i) {
+        ASSERT_EQ(pixels[4 * i + 0], 255) << i;
+        ASSERT_EQ(pixels[4 * i + 1], 255) << i;
+        ASSERT_EQ(pixels[4 * i + 2], 255) << i;
+    }
+    GLint mode = 0;
+    glGetIntegerv(GL_MATRIX_MODE, &mode);
+    EXPECT_EQ(mode, GL_MODELVIEW);
+    GLfloat projection[16];
+    glGetFloatv(GL_PROJECTION_MATRIX, projection);
+    EXPECT_EQ(projection[0], 1.0f);
+    EXPECT_TRUE(glIsEnabled(GL_VERTEX_ARRAY));
+    EXPECT_TRUE(glIsEnabled(GL_TEXTURE_COORD_ARRAY));
+    EXPECT_TRUE(glIsEnabled(GL_COLOR_ARRAY));
+}
+
+TEST(OrvelEventThread, StoppedGEventCannotStartUsefully) {
+    Orvel::GEvent events;
+    events.start();
+    ASSERT_NE(events.thread, nullptr);
+    events.stop();
+    EXPECT_EQ(events.thread, nullptr);
+    EXPECT_FALSE(events.running);
+    // The new thread sees running == false and returns at once, so the join below ends.
+    events.start();
+    EXPECT_NE(events.thread, nullptr);
+    events.stop();
+    EXPECT_EQ(events.thread, nullptr);
+}
+
+TEST(OrvelProcess, ClosingTheWindowEndsTheProgramInsideUpdateWithStatusZero) {
+    FILE* probe = popen(ORVEL_PROBE, "r");
+    ASSERT_NE(probe, nullptr);
+    unsigned long window = 0;
+    ASSERT_EQ(fscanf(probe, "%lu", &window), 1);
+    ASSERT_NE(window, 0ul);
+    xdriver::requestClose(window);
+    int status = pclose(probe);
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+}
+
+TEST(OrvelProcess, InitWithoutDisplayReportsSdlErrorAndExitsWithStatusOne) {
+    ProcessResult result = runCommand(std::string("env -u DISPLAY SDL_VIDEODRIVER=x11 ") + ORVEL_PROBE + " 2>&1");
+    EXPECT_EQ(result.status, 1);
+    const std::string prefix = "Error initializing SDL: ";
+    ASSERT_EQ(result.output.compare(0, prefix.size(), prefix), 0) << result.output;
+    EXPECT_EQ(result.output, prefix + "No available video device\n");
+}
