@@ -65,3 +65,7 @@ TEST(Color, MultiplyScalesThenMultipliesChannels) {
     // ((255 * 255) >> 8) = 254; (254 * 128) >> 8 = 127; (254 * 255) >> 8 = 253
     EXPECT_EQ(Color::multiply(0xFFFFFFFF, 0xFF808080, 255), 0xFD7F7F7Fu);
 }
+
+TEST(Color, BlendOfWhiteWithItselfAtFullWeightGivesFE) {
+    EXPECT_EQ(Color::blend(0xFFFFFFFF, 0xFFFFFFFF, 255), 0xFEFEFEFEu);
+}
