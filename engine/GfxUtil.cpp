@@ -1,7 +1,12 @@
 #include "engine/GfxUtil.h"
 
+#include <cstdio>
+
 #include "engine/Color.h"
 #include "engine/Math.h"
+#include "engine/Shader.h"
+#include "engine/ShaderProgram.h"
+#include "engine/String.h"
 #include "engine/Surface.h"
 #include "engine/Vector.h"
 
@@ -29,5 +34,50 @@ void GfxUtil::blurSurface(Surface* surface, int radius) {
 }
 
 void GfxUtil::blurSurface(Surface*, int, int, int, int, int) {}
+
+ShaderProgram* GfxUtil::loadShaderFromDisk(const char* dir, const char* name) {
+    // Stages in the order they are read and attached.
+    const int STAGES = 3;
+    const char* extensions[STAGES] = {".vert", ".geom", ".frag"};
+    const char codes[STAGES] = {Shader::VERTEX, Shader::GEOMETRY, Shader::FRAGMENT};
+
+    String base(dir);
+    base.append("/");
+    base.append(name);
+    String paths[STAGES] = {base + extensions[0], base + extensions[1], base + extensions[2]};
+
+    bool present[STAGES];
+    for (int i = 0; i < STAGES; ++i) {
+        FILE* probe = std::fopen(paths[i].getCString(), "r");
+        present[i] = probe != nullptr;
+        if (probe) std::fclose(probe);
+    }
+
+    // Appending grows the string to an exact fit every time, so typical sources get room up front.
+    String text;
+    text.allocate(8096);
+    char chunk[4096];
+    Shader* stages[STAGES] = {nullptr, nullptr, nullptr};
+    for (int i = 0; i < STAGES; ++i) {
+        if (!present[i]) continue;
+        // set("") rather than clear(): clear() would give the room back.
+        text.set("");
+        FILE* file = std::fopen(paths[i].getCString(), "r");
+        // A file that vanished since the probe counts as missing.
+        if (!file) continue;
+        size_t n;
+        while ((n = std::fread(chunk, 1, sizeof chunk - 1, file)) > 0) {
+            chunk[n] = 0;
+            text.append(chunk);
+        }
+        std::fclose(file);
+        stages[i] = new Shader(codes[i], text.getCString(), (int)text.length());
+    }
+
+    ShaderProgram* program = new ShaderProgram();
+    for (int i = 0; i < STAGES; ++i) program->attach(stages[i]);
+    program->link();
+    return program;
+}
 
 } // namespace orvel

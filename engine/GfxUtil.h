@@ -1,10 +1,11 @@
 #pragma once
-// Procedural drawing into Surfaces.
+// Procedural drawing into Surfaces, and building shader programs from files.
 
 #include <cstdint>
 
 namespace orvel {
 
+class ShaderProgram;
 class Surface;
 
 class GfxUtil {
@@ -21,6 +22,11 @@ public:
     static void blurSurface(Surface* surface, int radius);
     static void blurSurface(Surface* surface, int x, int y, int w, int h, int radius);
 
+    // A new, linked program (never null; the caller owns it) from dir/name.vert, .geom and
+    // .frag, those that exist. A missing vertex or fragment file falls back to the default
+    // stage, a missing geometry file means no geometry stage. The Shader objects it creates
+    // are owned by nobody and live on. A NUL byte in a file ends the text of its 4095-byte chunk.
+    static ShaderProgram* loadShaderFromDisk(const char* dir, const char* name);
 };
 
 } // namespace orvel
