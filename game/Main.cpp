@@ -1,0 +1,198 @@
+#include "game/Main.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+
+#include <SDL/SDL.h>
+#include <SDL/SDL_mixer.h>
+
+#include "engine/GL.h"
+#include "engine/Orvel.h"
+#include "engine/Screenshot.h"
+#include "engine/String.h"
+#include "engine/Texture.h"
+#include "game/Game.h"
+#include "game/Menu.h"
+#include "game/Resources.h"
+#include "scene/DirectScene2D.h"
+#include "scene/Fader.h"
+#include "scene/Scene2D.h"
+#include "scene/Text.h"
+
+using namespace orvel;
+
+int runlevel = RUNLEVEL_MENU;
+Scene2D* g_world = nullptr;
+DirectScene2D* g_hud = nullptr;
+Fader* g_fader = nullptr;
+Game* g_game = nullptr;
+Menu* g_menu = nullptr;
+Random g_rand(0xd34db33f);
+Mix_Music* music = nullptr;
+Apology* g_apology = nullptr;
+
+namespace {
+
+const char* const CAPTION = "Nightvector - Unfinished CVC '11 version";
+const float WORLD_SIZE = 4096;
+
+// SDL key symbols and mouse buttons the program reacts to.
+const int KEY_RETURN = 13;
+const int KEY_ESCAPE = 27;
+const int KEY_SPACE = 32;
+const int KEY_KEYPAD_ENTER = 271;
+const int KEY_F1 = 282;
+
+struct IntroLine {
+    const char* text;
+    float extraGap; // added above the line, beyond the usual spacing
+};
+
+const IntroLine INTRO_LINES[] = {
+    {"Nightvector", 0},
+    {"===========", 0},
+    {"The joke's on us. Turns out we didn't quite make", 35},
+    {"the video shoot deadline. A lot of functionality", 0},
+    {"in the game is in a state of near-completion. We", 0},
+    {"are working non-stop here at Convocat to bring", 0},
+    {"the game to you in its intended form by Saturday.", 0},
+    {"However, for the time being, what we can", 25},
+    {"show is a game-only demo for 64 bit Linux.", 0},
+    {"A Windows build is in the pipeline. :)", 0},
+    {"-- Pale Orbit --", 35},
+    {"We know we're losing...", 35},
+    {"But we're losing with our boots on.", 0},
+};
+const int CREDIT_LINE = 10;
+const float INTRO_TOP = 25;
+const float INTRO_SPACING = 9;
+
+bool startInput() {
+    return Orvel::keyPressed(KEY_RETURN) || Orvel::keyPressed(KEY_SPACE) || Orvel::keyPressed(KEY_KEYPAD_ENTER) ||
+           Orvel::mouseDown(1) || Orvel::mouseDown(2) || Orvel::mouseDown(3);
+}
+
+void fadeToBlack() {
+    g_fader->color = vec4(0, 0, 0, 1);
+    g_fader->fadeOut(1000);
+}
+
+void endIntro() {
+    if (!g_apology) return;
+    g_hud->clear();
+    g_world->clear();
+    for (unsigned i = 0; i < g_apology->lines.count; ++i) delete g_apology->lines.data[i];
+    delete g_apology;
+    g_apology = nullptr;
+}
+
+void startGame() {
+    g_fader->fadeIn(500);
+    endIntro();
+    g_game = new Game();
+    g_game->init();
+    runlevel = RUNLEVEL_GAME;
+    Mix_PlayMusic(music, -1);
+}
+
+void saveScreenshot() {
+    static int screenshot_num = 1;
+    String name = "screenshot_" + strInt(screenshot_num) + ".bmp";
+    Screenshot::saveScreenshot(name.getCString());
+    ++screenshot_num;
+}
+
+} // namespace
+
+Apology::Apology() : lines(128) {
+    g_hud->clear();
+    float cx = (float)(Orvel::getScreenWidth() * 0.5);
+    float y = INTRO_TOP;
+    for (int i = 0; i < (int)(sizeof INTRO_LINES / sizeof INTRO_LINES[0]); ++i) {
+        Text* line = new Text(Resources::font_medium, INTRO_LINES[i].text);
+        y += INTRO_LINES[i].extraGap;
+        line->position.x = cx;
+        line->position.y = y;
+        line->position.z = 0;
+        line->setHotSpot(Top);
+        lines.push(line);
+        // The credit line alone is anchored by its left end at the centre, off the others' axis.
+        if (i == CREDIT_LINE) line->setHotSpot(TopLeft);
+        g_hud->add(line);
+        y += line->size.y + INTRO_SPACING;
+    }
+}
+
+void loadMusic() {
+    SDL_InitSubSystem(SDL_INIT_AUDIO);
+    Mix_OpenAudio(44100, AUDIO_S16LSB, 1, 65536);
+    music = Mix_LoadMUS("sfx/music1.ogg");
+}
+
+void startUp() {
+    // The OpenGL window needs X; without a display SDL must fail rather than fall back to a
+    // text-mode driver that cannot show it. A driver the user chose is left alone.
+    setenv("SDL_VIDEODRIVER", "x11", 0);
+    Orvel::init(1280, 720, CAPTION, true, true);
+    Orvel::update();
+    Resources::load();
+    g_rand.init((int)time(nullptr));
+
+    g_world = new Scene2D(-1, -1);
+    g_world->worldWidth = WORLD_SIZE;
+    g_world->worldHeight = WORLD_SIZE;
+    g_hud = new DirectScene2D(-1, -1);
+
+    g_fader = new Fader();
+    runlevel = RUNLEVEL_INTRO;
+    Orvel::update();
+    g_fader->color = vec4(1, 1, 1, 1);
+
+    g_world->debugDraw = false;
+    g_hud->debugDraw = false;
+    g_apology = new Apology();
+    loadMusic();
+
+    printf("Used texture memory: %f megabytes\n", (double)((float)Texture::usedMemory * (1.0f / 1048576.0f)));
+    fflush(stdout);
+}
+
+void runFrameLogic() {
+    if (runlevel == RUNLEVEL_MENU) g_menu->update();
+    if (runlevel == RUNLEVEL_GAME) g_game->update();
+
+    // Drawn again after the logic on purpose; the next pass's clear wipes it.
+    g_fader->draw();
+
+    if (runlevel == RUNLEVEL_INTRO && g_fader->done() && startInput()) {
+        fadeToBlack();
+        runlevel = RUNLEVEL_TO_GAME;
+    }
+    if (runlevel == RUNLEVEL_TO_GAME && g_fader->done()) startGame();
+
+    // Escape waits for a running fade to finish; the music fades 50 ms ahead of the picture.
+    if (g_fader->done() && Orvel::keyPressed(KEY_ESCAPE)) {
+        fadeToBlack();
+        Mix_FadeOutMusic(950);
+        runlevel = RUNLEVEL_FADING_OUT;
+    }
+    if (Orvel::keyPressed(KEY_F1)) saveScreenshot();
+    if (runlevel == RUNLEVEL_FADING_OUT && g_fader->done()) runlevel = RUNLEVEL_QUIT;
+}
+
+void runFrame() {
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
+    g_world->draw();
+    g_hud->draw();
+    g_fader->draw();
+    Orvel::update();
+    runFrameLogic();
+}
+
+int runNightvector() {
+    startUp();
+    while (runlevel != RUNLEVEL_QUIT) runFrame();
+    Orvel::quit();
+    return 0;
+}

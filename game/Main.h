@@ -1,0 +1,58 @@
+#pragma once
+// The program: its globals, start-up, main loop and top-level modes (runlevels), and the intro screen.
+
+#include "engine/Random.h"
+#include "engine/Stack.h"
+
+class Drawable;
+class DirectScene2D;
+class Fader;
+class Game;
+class Menu;
+class Scene2D;
+struct _Mix_Music;
+typedef struct _Mix_Music Mix_Music;
+
+// Top-level modes.
+enum Runlevel {
+    RUNLEVEL_QUIT = 0,    // leave the loop
+    RUNLEVEL_MENU = 1,    // menu: kept in the build, never entered
+    RUNLEVEL_GAME = 2,    // game running
+    RUNLEVEL_INTRO = 3,   // intro screen shown, waiting for a start input
+    RUNLEVEL_TO_GAME = 4, // intro fading to black, then the game starts
+    RUNLEVEL_FADING_OUT = -1,
+};
+
+extern int runlevel;
+extern Scene2D* g_world;     // the world scene root
+extern DirectScene2D* g_hud; // the screen-space HUD root
+extern Fader* g_fader;       // full-screen colour fader
+extern Game* g_game;         // the game session; null until the intro ends
+extern Menu* g_menu;         // never assigned
+extern orvel::Random g_rand; // shared game randomness, reseeded from the clock at start-up
+extern Mix_Music* music;     // the one music track; null when it could not be loaded
+
+// The intro text screen, built into g_hud. It owns its Text nodes; the main loop deletes them
+// when the game starts.
+class Apology {
+public:
+    orvel::Stack<Drawable*> lines;
+
+    Apology();
+};
+
+// The intro screen while it is shown; null once the game has started.
+extern Apology* g_apology;
+
+// Opens audio (44.1 kHz, 16-bit, mono) and loads the music. Nothing is checked: a missing file or
+// device leaves the game silent.
+void loadMusic();
+
+// Start-up: window, resources, scene roots, fader, intro screen, music, memory report.
+void startUp();
+// One pass of the main loop: draw, end the frame, then the runlevel's logic and the global keys.
+void runFrame();
+// The runlevel logic and global keys of one frame, after Orvel::update.
+void runFrameLogic();
+// The whole program: start-up, the loop while runlevel is not 0, shut-down. Returns 0.
+int runNightvector();

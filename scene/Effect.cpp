@@ -1,0 +1,5 @@
+#include "scene/Effect.h"
+
+Effect::Effect() { flags |= EFFECT; }
+
+Effect::~Effect() {}

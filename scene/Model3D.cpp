@@ -1,0 +1,5 @@
+#include "scene/Model3D.h"
+
+Model3D::Model3D() {}
+
+Model3D::~Model3D() {}

@@ -1,0 +1,5 @@
+#include "scene/Object3D.h"
+
+Object3D::Object3D() {}
+
+Object3D::~Object3D() {}

@@ -1,0 +1,5 @@
+#include "scene/ParticleEmitter3D.h"
+
+ParticleEmitter3D::ParticleEmitter3D() {}
+
+ParticleEmitter3D::~ParticleEmitter3D() {}

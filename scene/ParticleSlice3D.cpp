@@ -1,0 +1,5 @@
+#include "scene/ParticleSlice3D.h"
+
+ParticleSlice3D::ParticleSlice3D() {}
+
+ParticleSlice3D::~ParticleSlice3D() {}

@@ -1,0 +1,5 @@
+#include "scene/ParticleSystem3D.h"
+
+ParticleSystem3D::ParticleSystem3D() {}
+
+ParticleSystem3D::~ParticleSystem3D() {}

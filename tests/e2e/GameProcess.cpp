@@ -1,0 +1,189 @@
+#include "tests/e2e/GameProcess.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <sstream>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <SDL/SDL.h>
+
+#include "tests/engine/XDriver.h"
+
+namespace e2e {
+
+namespace {
+
+const char* const CAPTION = "Nightvector - Unfinished CVC '11 version";
+
+std::string run(const std::string& command) {
+    std::string out;
+    if (FILE* pipe = popen(command.c_str(), "r")) {
+        char buffer[256];
+        while (fgets(buffer, sizeof buffer, pipe)) out += buffer;
+        pclose(pipe);
+    }
+    return out;
+}
+
+} // namespace
+
+void pause(int ms) { usleep(ms * 1000); }
+
+Surroundings::Surroundings() {
+    char name[] = "/tmp/nightvector-e2e-XXXXXX";
+    dir = mkdtemp(name) ? name : "";
+}
+
+Surroundings::~Surroundings() {
+    if (!dir.empty()) run("rm -rf '" + dir + "'");
+}
+
+void Surroundings::linkFolder(const std::string& name) {
+    symlink((std::string(REPOSITORY_ROOT) + "/" + name).c_str(), (dir + "/" + name).c_str());
+}
+
+void Surroundings::linkFolderExcept(const std::string& name, const std::string& skip) {
+    std::string from = std::string(REPOSITORY_ROOT) + "/" + name;
+    mkdir((dir + "/" + name).c_str(), 0755);
+    if (DIR* d = opendir(from.c_str())) {
+        while (dirent* entry = readdir(d)) {
+            std::string file = entry->d_name;
+            if (file == "." || file == ".." || file == skip) continue;
+            symlink((from + "/" + file).c_str(), (dir + "/" + name + "/" + file).c_str());
+        }
+        closedir(d);
+    }
+}
+
+void Surroundings::writeFile(const std::string& file, const std::string& bytes) {
+    std::ofstream out(dir + "/" + file, std::ios::binary);
+    out << bytes;
+}
+
+bool Surroundings::exists(const std::string& file) const { return access((dir + "/" + file).c_str(), F_OK) == 0; }
+
+GameProcess::GameProcess(const std::string& workingDir, const std::vector<std::string>& env)
+    : dir(workingDir), pid(-1), status(-1), ended(false) {
+    pid = fork();
+    if (pid == 0) {
+        if (chdir(dir.c_str()) != 0) _exit(126);
+        setenv("SDL_AUDIODRIVER", "dummy", 1);
+        for (const std::string& assignment : env) {
+            size_t eq = assignment.find('=');
+            std::string name = assignment.substr(0, eq), value = assignment.substr(eq + 1);
+            if (value.empty())
+                unsetenv(name.c_str());
+            else
+                setenv(name.c_str(), value.c_str(), 1);
+        }
+        int out = open("stdout.txt", O_WRONLY | O_CREAT | O_TRUNC, 0644);
+        int err = open("stderr.txt", O_WRONLY | O_CREAT | O_TRUNC, 0644);
+        dup2(out, 1);
+        dup2(err, 2);
+        execl(NIGHTVECTOR_BINARY, NIGHTVECTOR_BINARY, (char*)nullptr);
+        _exit(127);
+    }
+}
+
+GameProcess::~GameProcess() {
+    if (pid > 0 && isRunning()) {
+        kill(pid, SIGKILL);
+        waitpid(pid, nullptr, 0);
+    }
+}
+
+std::string GameProcess::readFile(const std::string& name) const {
+    std::ifstream in(dir + "/" + name, std::ios::binary);
+    std::stringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+std::string GameProcess::output() const { return readFile("stdout.txt"); }
+std::string GameProcess::errors() const { return readFile("stderr.txt"); }
+
+bool GameProcess::isRunning() {
+    if (ended || pid <= 0) return false;
+    int s = 0;
+    if (waitpid(pid, &s, WNOHANG) == pid) {
+        ended = true;
+        status = WIFEXITED(s) ? WEXITSTATUS(s) : -1;
+        return false;
+    }
+    return true;
+}
+
+bool GameProcess::waitForOutput(const std::string& text, int timeoutMs) {
+    for (int waited = 0; waited <= timeoutMs; waited += 20) {
+        if (output().find(text) != std::string::npos) return true;
+        if (!isRunning()) return output().find(text) != std::string::npos;
+        pause(20);
+    }
+    return false;
+}
+
+int GameProcess::waitForExit(int timeoutMs) {
+    for (int waited = 0; waited <= timeoutMs; waited += 20) {
+        if (!isRunning()) return status;
+        pause(20);
+    }
+    return -1;
+}
+
+void GameProcess::pressKey(const std::string& key) { xdriver::xdotool("keydown " + key); }
+void GameProcess::releaseKey(const std::string& key) { xdriver::xdotool("keyup " + key); }
+
+void GameProcess::tapKey(const std::string& key) {
+    pressKey(key);
+    pause(150);
+    releaseKey(key);
+    pause(50);
+}
+
+void GameProcess::pressButton(int button) { xdriver::xdotool("mousedown " + std::to_string(button)); }
+void GameProcess::releaseButton(int button) { xdriver::xdotool("mouseup " + std::to_string(button)); }
+
+unsigned long GameProcess::window() {
+    std::string ids = run(std::string("xdotool search --name \"^") + CAPTION + "$\" 2>/dev/null");
+    return strtoul(ids.c_str(), nullptr, 10);
+}
+
+bool GameProcess::screenshot(const std::string& name, int timeoutMs) {
+    tapKey("F1");
+    std::string path = dir + "/" + name;
+    Image image;
+    for (int waited = 0; waited <= timeoutMs; waited += 50) {
+        if (loadBmp(path, image)) return true;
+        pause(50);
+    }
+    return false;
+}
+
+bool loadBmp(const std::string& path, Image& image) {
+    SDL_Surface* bmp = SDL_LoadBMP(path.c_str());
+    if (!bmp) return false;
+    image.width = bmp->w;
+    image.height = bmp->h;
+    image.pixels.assign((size_t)bmp->w * bmp->h, 0);
+    int bpp = bmp->format->BytesPerPixel;
+    for (int y = 0; y < bmp->h; ++y)
+        for (int x = 0; x < bmp->w; ++x) {
+            Uint8* p = (Uint8*)bmp->pixels + y * bmp->pitch + x * bpp;
+            Uint32 raw = 0;
+            memcpy(&raw, p, bpp);
+            Uint8 r, g, b;
+            SDL_GetRGB(raw, bmp->format, &r, &g, &b);
+            image.pixels[(size_t)y * bmp->w + x] = r << 16 | g << 8 | b;
+        }
+    SDL_FreeSurface(bmp);
+    return true;
+}
+
+} // namespace e2e

@@ -1,0 +1,79 @@
+#pragma once
+// The real game as a child process: its own working directory, standard output and error in
+// files there, driven through the X server like a player would.
+
+#include <string>
+#include <vector>
+
+namespace e2e {
+
+// A working directory for one run: gfx/, sfx/ and shaders/ linked from the repository unless
+// left out, removed again when the object goes.
+class Surroundings {
+public:
+    Surroundings();
+    ~Surroundings();
+    Surroundings(const Surroundings&) = delete;
+    Surroundings& operator=(const Surroundings&) = delete;
+
+    const std::string& path() const { return dir; }
+    // Links the repository's folder `name` into the directory.
+    void linkFolder(const std::string& name);
+    // A real folder `name` holding links to every file of the repository's folder except `skip`.
+    void linkFolderExcept(const std::string& name, const std::string& skip);
+    // Writes `bytes` to the relative path `file`.
+    void writeFile(const std::string& file, const std::string& bytes);
+    bool exists(const std::string& file) const;
+
+private:
+    std::string dir;
+};
+
+class GameProcess {
+public:
+    // Starts the game in `workingDir` with `env` ("NAME=value"; "NAME=" unsets NAME) added to this
+    // process's environment. SDL_AUDIODRIVER is "dummy" unless env sets it.
+    GameProcess(const std::string& workingDir, const std::vector<std::string>& env = {});
+    ~GameProcess();
+    GameProcess(const GameProcess&) = delete;
+    GameProcess& operator=(const GameProcess&) = delete;
+
+    std::string output() const; // standard output so far
+    std::string errors() const; // standard error so far
+    // Waits until standard output holds `text`; false when the process ended or time ran out.
+    bool waitForOutput(const std::string& text, int timeoutMs = 60000);
+    // Waits for the process to end; its exit status, or -1 after a signal or when time ran out.
+    int waitForExit(int timeoutMs = 30000);
+    bool isRunning();
+
+    // Holds a key (xdotool key name) down long enough for several frames to see it, then lets go.
+    void tapKey(const std::string& key);
+    void pressKey(const std::string& key);
+    void releaseKey(const std::string& key);
+    void pressButton(int button);
+    void releaseButton(int button);
+    // The game's top-level X window, found by its caption; 0 when there is none.
+    unsigned long window();
+    // Takes a screenshot with F1 and waits for the file `name` to be complete.
+    bool screenshot(const std::string& name, int timeoutMs = 20000);
+
+private:
+    std::string dir;
+    int pid;
+    int status;
+    bool ended;
+    std::string readFile(const std::string& name) const;
+};
+
+// A BMP read back as packed 0xRRGGBB pixels, top row first.
+struct Image {
+    int width = 0, height = 0;
+    std::vector<unsigned> pixels;
+    unsigned at(int x, int y) const { return pixels[(size_t)y * width + x]; }
+};
+bool loadBmp(const std::string& path, Image& image);
+
+// Sleeps `ms` milliseconds.
+void pause(int ms);
+
+} // namespace e2e

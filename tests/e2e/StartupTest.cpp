@@ -1,0 +1,300 @@
+// The real program from the outside: what it prints at start-up, what its intro screen shows,
+// and how it ends.
+
+#include <cstdio>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "tests/e2e/GameProcess.h"
+#include "tests/engine/XDriver.h"
+
+using e2e::GameProcess;
+using e2e::Image;
+using e2e::Surroundings;
+
+namespace {
+
+const char* const TEXTURE_FILES[] = {
+    "gfx/title.png", "gfx/reticle.png", "gfx/reticle_glow.png", "gfx/star.png", "gfx/sky_top.png",
+    "gfx/sky_bottom.png", "gfx/sky_left.png", "gfx/sky_right.png", "gfx/sky_front.png", "gfx/sky_back.png",
+    "gfx/player_top.png", "gfx/player_mid.png", "gfx/player_bot.png", "gfx/player_glow_top.png",
+    "gfx/player_glow_bot.png", "gfx/slaser.png", "gfx/plasmabullet.png", "gfx/powerup_anim.png",
+    "gfx/powerup_glow_anim.png", "gfx/enemy_fighter.png", "gfx/enemy_fighter_glow.png", "gfx/enemy_fighter2.png",
+    "gfx/enemy_fighter2_glow.png", "gfx/enemy_hammerhead.png", "gfx/enemy_hammerhead_glow.png",
+    "gfx/enemy_hammerhead.png", "gfx/enemy_hammerhead_glow.png", "gfx/enemy_probe.png", "gfx/enemy_probe_glow.png",
+    "gfx/enemy_probe2.png", "gfx/enemy_probe2_glow.png", "gfx/enemy_probe3.png", "gfx/enemy_probe3_glow.png",
+    "gfx/hud_radar_dials.png", "gfx/hud_radar_mask.png", "gfx/hud_bars_mask.png", "gfx/hud_score.png",
+    "gfx/hud_power_dials.png"};
+const char* const FONT_FILES[] = {"gfx/hugefont.png", "gfx/medfont.png", "gfx/smallfont.png", "gfx/minifont.png"};
+
+const unsigned BACKGROUND = 0x000000;
+
+std::string loadingLines(const std::string& failing = "") {
+    std::string out = ":: loading resources...\n";
+    for (const char* f : TEXTURE_FILES)
+        out += std::string("Loading texture ") + f + "... " + (failing == f ? "ERROR" : "OK") + "\n";
+    for (const char* f : FONT_FILES)
+        out += std::string("Loading image ") + f + "... " + (failing == f ? "ERROR" : "OK") + "\n";
+    return out + ":: Generating procedural textures... :: All done.\n";
+}
+
+// Width and height from a PNG's header chunk.
+bool pngSize(const std::string& path, unsigned& w, unsigned& h) {
+    std::ifstream in(path, std::ios::binary);
+    unsigned char header[24];
+    if (!in.read(reinterpret_cast<char*>(header), sizeof header)) return false;
+    w = header[16] << 24 | header[17] << 16 | header[18] << 8 | header[19];
+    h = header[20] << 24 | header[21] << 16 | header[22] << 8 | header[23];
+    return true;
+}
+
+unsigned nextPow2(unsigned n) {
+    unsigned p = 1;
+    while (p < n) p *= 2;
+    return p;
+}
+
+// The texture memory line for the repository's images: every texture is padded to powers of two,
+// four bytes a texel, plus the two generated 128 x 128 particle textures and the world scene's
+// four 1280 x 720 colour targets.
+std::string expectedMemoryLine() {
+    unsigned bytes = 2 * 128 * 128 * 4 + 4 * 1280 * 720 * 4;
+    for (const char* f : TEXTURE_FILES) {
+        unsigned w = 0, h = 0;
+        EXPECT_TRUE(pngSize(std::string(REPOSITORY_ROOT) + "/" + f, w, h)) << f;
+        bytes += nextPow2(w) * nextPow2(h) * 4;
+    }
+    for (const char* f : FONT_FILES) {
+        unsigned w = 0, h = 0;
+        EXPECT_TRUE(pngSize(std::string(REPOSITORY_ROOT) + "/" + f, w, h)) << f;
+        bytes += nextPow2(w) * nextPow2(h) * 4;
+    }
+    char line[128];
+    snprintf(line, sizeof line, "Used texture memory: %f megabytes\n", (double)((float)bytes * (1.0f / 1048576.0f)));
+    return line;
+}
+
+void linkAll(Surroundings& s) {
+    s.linkFolder("gfx");
+    s.linkFolder("sfx");
+    s.linkFolder("shaders");
+}
+
+// Columns of non-background pixels in rows [y0, y1): first and last, or -1 when none.
+std::pair<int, int> inkColumns(const Image& image, int y0, int y1) {
+    int first = -1, last = -1;
+    for (int y = y0; y < y1; ++y)
+        for (int x = 0; x < image.width; ++x)
+            if (image.at(x, y) != BACKGROUND) {
+                if (first < 0 || x < first) first = x;
+                if (x > last) last = x;
+            }
+    return {first, last};
+}
+
+} // namespace
+
+TEST(Startup, PrintsLoadingLinesThenTextureMemoryAndQuitsOnEscape) {
+    Surroundings dir;
+    linkAll(dir);
+    GameProcess game(dir.path());
+    ASSERT_TRUE(game.waitForOutput("megabytes\n")) << game.output() << game.errors();
+    EXPECT_EQ(game.output(), loadingLines() + expectedMemoryLine());
+    game.tapKey("Escape");
+    EXPECT_EQ(game.waitForExit(), 0);
+}
+
+TEST(Startup, ClosingTheWindowEndsWithStatusZero) {
+    Surroundings dir;
+    linkAll(dir);
+    GameProcess game(dir.path());
+    ASSERT_TRUE(game.waitForOutput("megabytes\n"));
+    unsigned long window = game.window();
+    ASSERT_NE(window, 0ul);
+    xdriver::requestClose(window);
+    EXPECT_EQ(game.waitForExit(), 0);
+}
+
+TEST(Startup, WithoutDisplayReportsSdlErrorAndExitsWithStatusOne) {
+    Surroundings dir;
+    linkAll(dir);
+    GameProcess game(dir.path(), {"DISPLAY="});
+    EXPECT_EQ(game.waitForExit(), 1);
+    EXPECT_EQ(game.errors().rfind("Error initializing SDL: ", 0), 0u) << game.errors();
+    EXPECT_EQ(game.output(), "");
+}
+
+TEST(Intro, ScreenshotShowsCentredLinesAndCreditFromTheCentre) {
+    Surroundings dir;
+    linkAll(dir);
+    GameProcess game(dir.path());
+    ASSERT_TRUE(game.waitForOutput("megabytes\n"));
+    e2e::pause(500);
+    ASSERT_TRUE(game.screenshot("screenshot_1.bmp"));
+    Image shot;
+    ASSERT_TRUE(e2e::loadBmp(dir.path() + "/screenshot_1.bmp", shot));
+    EXPECT_EQ(shot.width, 1280);
+    EXPECT_EQ(shot.height, 720);
+
+    // The title's band starts at y = 25; its ink is centred on x = 640.
+    std::pair<int, int> title = inkColumns(shot, 25, 40);
+    ASSERT_GE(title.first, 0);
+    EXPECT_NEAR((title.first + title.second) / 2.0, 640, 12);
+    EXPECT_EQ(inkColumns(shot, 0, 24).first, -1);
+
+    ASSERT_TRUE(game.screenshot("screenshot_2.bmp"));
+    EXPECT_TRUE(dir.exists("screenshot_2.bmp"));
+    game.tapKey("Escape");
+    EXPECT_EQ(game.waitForExit(), 0);
+}
+
+TEST(Intro, CreditLineStartsAtTheCentreWhileTheOthersAreCentred) {
+    Surroundings dir;
+    linkAll(dir);
+    GameProcess game(dir.path());
+    ASSERT_TRUE(game.waitForOutput("megabytes\n"));
+    e2e::pause(500);
+    ASSERT_TRUE(game.screenshot("screenshot_1.bmp"));
+    Image shot;
+    ASSERT_TRUE(e2e::loadBmp(dir.path() + "/screenshot_1.bmp", shot));
+    // Line 11 ("-- Pale Orbit --") has its top at y = 530, line 12 at 606; cells are 32 px high.
+    std::pair<int, int> credit = inkColumns(shot, 530, 562);
+    ASSERT_GE(credit.first, 0);
+    EXPECT_GE(credit.first, 640);
+    EXPECT_LT(credit.first, 640 + 16);
+    std::pair<int, int> line12 = inkColumns(shot, 606, 638);
+    EXPECT_NEAR((line12.first + line12.second) / 2.0, 640, 12);
+    game.tapKey("Escape");
+    EXPECT_EQ(game.waitForExit(), 0);
+}
+
+TEST(Intro, ReturnFadesTheIntroAwayAndEscapeThenQuits) {
+    Surroundings dir;
+    linkAll(dir);
+    GameProcess game(dir.path());
+    ASSERT_TRUE(game.waitForOutput("megabytes\n"));
+    e2e::pause(300);
+    game.tapKey("Return");
+    // The fade to black takes a second; then the intro's nodes are gone for good.
+    e2e::pause(2500);
+    ASSERT_TRUE(game.screenshot("screenshot_1.bmp"));
+    Image shot;
+    ASSERT_TRUE(e2e::loadBmp(dir.path() + "/screenshot_1.bmp", shot));
+    EXPECT_EQ(inkColumns(shot, 25, 57).first, -1);
+    EXPECT_TRUE(game.isRunning());
+    game.tapKey("Escape");
+    EXPECT_EQ(game.waitForExit(), 0);
+}
+
+TEST(Intro, EscapeDuringTheFadeToBlackIsIgnored) {
+    Surroundings dir;
+    linkAll(dir);
+    GameProcess game(dir.path());
+    ASSERT_TRUE(game.waitForOutput("megabytes\n"));
+    e2e::pause(300);
+    game.pressKey("Return");
+    e2e::pause(100);
+    game.releaseKey("Return");
+    game.tapKey("Escape"); // within the 1000 ms fade
+    e2e::pause(2500);
+    EXPECT_TRUE(game.isRunning());
+    game.tapKey("Escape");
+    EXPECT_EQ(game.waitForExit(), 0);
+}
+
+TEST(Intro, HeldMouseButtonStartsTheGame) {
+    Surroundings dir;
+    linkAll(dir);
+    GameProcess game(dir.path());
+    ASSERT_TRUE(game.waitForOutput("megabytes\n"));
+    e2e::pause(300);
+    game.pressButton(1);
+    e2e::pause(200);
+    game.releaseButton(1);
+    e2e::pause(2500);
+    ASSERT_TRUE(game.screenshot("screenshot_1.bmp"));
+    Image shot;
+    ASSERT_TRUE(e2e::loadBmp(dir.path() + "/screenshot_1.bmp", shot));
+    EXPECT_EQ(inkColumns(shot, 25, 57).first, -1);
+    game.tapKey("Escape");
+    EXPECT_EQ(game.waitForExit(), 0);
+}
+
+TEST(BadSurroundings, MissingImageEndsItsLineInErrorAndTheIntroStillShows) {
+    Surroundings dir;
+    dir.linkFolderExcept("gfx", "star.png");
+    dir.linkFolder("sfx");
+    dir.linkFolder("shaders");
+    GameProcess game(dir.path());
+    ASSERT_TRUE(game.waitForOutput("megabytes\n"));
+    EXPECT_EQ(game.output().rfind(loadingLines("gfx/star.png"), 0), 0u) << game.output();
+    e2e::pause(300);
+    ASSERT_TRUE(game.screenshot("screenshot_1.bmp"));
+    Image shot;
+    ASSERT_TRUE(e2e::loadBmp(dir.path() + "/screenshot_1.bmp", shot));
+    EXPECT_GE(inkColumns(shot, 25, 57).first, 0);
+    game.tapKey("Escape");
+    EXPECT_EQ(game.waitForExit(), 0);
+}
+
+TEST(BadSurroundings, CorruptPngEndsItsLineInErrorAndTheIntroStillShows) {
+    Surroundings dir;
+    dir.linkFolderExcept("gfx", "reticle.png");
+    std::ifstream real(std::string(REPOSITORY_ROOT) + "/gfx/reticle.png", std::ios::binary);
+    std::string bytes((std::istreambuf_iterator<char>(real)), std::istreambuf_iterator<char>());
+    dir.writeFile("gfx/reticle.png", bytes.substr(0, bytes.size() / 2));
+    dir.linkFolder("sfx");
+    dir.linkFolder("shaders");
+    GameProcess game(dir.path());
+    ASSERT_TRUE(game.waitForOutput("megabytes\n"));
+    EXPECT_EQ(game.output().rfind(loadingLines("gfx/reticle.png"), 0), 0u) << game.output();
+    e2e::pause(300);
+    ASSERT_TRUE(game.screenshot("screenshot_1.bmp"));
+    Image shot;
+    ASSERT_TRUE(e2e::loadBmp(dir.path() + "/screenshot_1.bmp", shot));
+    EXPECT_GE(inkColumns(shot, 25, 57).first, 0);
+    game.tapKey("Escape");
+    EXPECT_EQ(game.waitForExit(), 0);
+}
+
+TEST(BadSurroundings, WithoutShadersTheGameStillRunsAndQuitsCleanly) {
+    Surroundings dir;
+    dir.linkFolder("gfx");
+    dir.linkFolder("sfx");
+    GameProcess game(dir.path());
+    ASSERT_TRUE(game.waitForOutput("megabytes\n"));
+    e2e::pause(500);
+    EXPECT_TRUE(game.isRunning());
+    game.tapKey("Escape");
+    EXPECT_EQ(game.waitForExit(), 0);
+}
+
+TEST(BadSurroundings, WithoutMusicTheGameRunsSilently) {
+    Surroundings dir;
+    dir.linkFolder("gfx");
+    dir.linkFolder("shaders");
+    GameProcess game(dir.path());
+    ASSERT_TRUE(game.waitForOutput("megabytes\n"));
+    e2e::pause(300);
+    game.tapKey("Return");
+    e2e::pause(2000);
+    EXPECT_TRUE(game.isRunning());
+    game.tapKey("Escape");
+    EXPECT_EQ(game.waitForExit(), 0);
+}
+
+TEST(BadSurroundings, WithoutAnAudioDeviceTheGameRunsSilently) {
+    Surroundings dir;
+    linkAll(dir);
+    GameProcess game(dir.path(), {"SDL_AUDIODRIVER=nosuchdevice"});
+    ASSERT_TRUE(game.waitForOutput("megabytes\n"));
+    e2e::pause(300);
+    game.tapKey("Return");
+    e2e::pause(2000);
+    EXPECT_TRUE(game.isRunning());
+    game.tapKey("Escape");
+    EXPECT_EQ(game.waitForExit(), 0);
+}

@@ -1,0 +1,199 @@
+// Runlevel logic of the main loop, stepped frame by frame with the clock and the input set
+// directly; the intro screen's layout.
+
+#include "game/Main.h"
+
+#include <string>
+
+#include <unistd.h>
+
+#include "engine/Font.h"
+#include "engine/Orvel.h"
+#include "engine/Surface.h"
+#include "game/Game.h"
+#include "game/Resources.h"
+#include "scene/DirectScene2D.h"
+#include "scene/Fader.h"
+#include "scene/Scene2D.h"
+#include "scene/Text.h"
+#include "tests/GLFixture.h"
+
+using orvel::Orvel;
+using testing_support::GLTest;
+
+namespace {
+
+const int KEY_RETURN = 13, KEY_ESCAPE = 27, KEY_SPACE = 32, KEY_KEYPAD_ENTER = 271, KEY_F1 = 282;
+
+// The program's state right after start-up, built on the test window: scene roots, fader, intro.
+class Runlevels : public GLTest {
+protected:
+    void SetUp() override {
+        openWindow(1280, 720);
+        if (!Resources::font_medium) {
+            testing::internal::CaptureStdout();
+            Resources::load();
+            testing::internal::GetCapturedStdout();
+        }
+        g_world = new Scene2D(-1, -1);
+        g_hud = new DirectScene2D(-1, -1);
+        g_fader = new Fader();
+        g_game = nullptr;
+        runlevel = RUNLEVEL_INTRO;
+        g_apology = new Apology();
+        setTime(100000);
+    }
+
+    static void setTime(uint32_t ms) { Orvel::currentTime = ms; }
+
+    // One frame's input snapshot with `key` held (or nothing for -1).
+    static void frameWithKey(int key) {
+        for (uint32_t& w : Orvel::events->keysLive) w = 0;
+        if (key >= 0) Orvel::events->keysLive[key / 32] |= 1u << (key % 32);
+        Orvel::events->update();
+    }
+    static void frameWithButtons(uint32_t buttons) {
+        for (uint32_t& w : Orvel::events->keysLive) w = 0;
+        Orvel::events->buttonsLive = buttons;
+        Orvel::events->update();
+    }
+    // Steps the logic of one frame at time `ms` with `key` held.
+    static void step(uint32_t ms, int key = -1) {
+        setTime(ms);
+        frameWithKey(key);
+        runFrameLogic();
+    }
+};
+
+} // namespace
+
+TEST_F(Runlevels, ReturnAfterTheFaderIsDoneStartsTheFadeToBlack) {
+    step(100000);
+    step(100016, KEY_RETURN);
+    EXPECT_EQ(runlevel, RUNLEVEL_TO_GAME);
+    EXPECT_EQ(g_fader->from, 0.0f);
+    EXPECT_EQ(g_fader->to, 1.0f);
+    EXPECT_EQ(g_fader->startTime, 100016u);
+    EXPECT_EQ(g_fader->endTime, 101016u);
+    EXPECT_EQ(g_fader->color.x, 0.0f);
+    EXPECT_EQ(g_fader->color.w, 1.0f);
+}
+
+TEST_F(Runlevels, StartInputWhileAFadeRunsDoesNothing) {
+    g_fader->fadeIn(500);
+    step(100100, KEY_RETURN);
+    EXPECT_EQ(runlevel, RUNLEVEL_INTRO);
+    EXPECT_EQ(g_fader->endTime, 100500u);
+}
+
+TEST_F(Runlevels, SpaceKeypadEnterAndEachHeldMouseButtonStartTheGame) {
+    uint32_t t = 1000000;
+    // Back on the intro with the last fade long finished.
+    auto backToIntro = [&t]() {
+        t += 1000000;
+        runlevel = RUNLEVEL_INTRO;
+        setTime(t - 5000);
+        g_fader->fadeIn(0);
+    };
+    for (int key : {KEY_SPACE, KEY_KEYPAD_ENTER}) {
+        backToIntro();
+        step(t);
+        step(t + 16, key);
+        EXPECT_EQ(runlevel, RUNLEVEL_TO_GAME) << key;
+    }
+    for (int button = 1; button <= 3; ++button) {
+        backToIntro();
+        setTime(t);
+        frameWithButtons(1u << button);
+        frameWithButtons(1u << button); // held, not only pressed
+        runFrameLogic();
+        EXPECT_EQ(runlevel, RUNLEVEL_TO_GAME) << button;
+    }
+}
+
+TEST_F(Runlevels, OtherButtonsAndKeysDoNotStartTheGame) {
+    setTime(100000);
+    frameWithButtons(1u << 4);
+    runFrameLogic();
+    step(100016, 'a');
+    EXPECT_EQ(runlevel, RUNLEVEL_INTRO);
+}
+
+TEST_F(Runlevels, DoneFadeToBlackStartsGameTearsDownIntroAndFadesIn) {
+    step(100000);
+    step(100016, KEY_RETURN);
+    step(101000);
+    EXPECT_EQ(runlevel, RUNLEVEL_TO_GAME);
+    EXPECT_NE(g_apology, nullptr);
+    step(101017);
+    EXPECT_EQ(runlevel, RUNLEVEL_GAME);
+    EXPECT_EQ(g_apology, nullptr);
+    ASSERT_NE(g_game, nullptr);
+    EXPECT_EQ(g_hud->count, 0);
+    EXPECT_EQ(g_fader->from, 1.0f);
+    EXPECT_EQ(g_fader->to, 0.0f);
+    EXPECT_EQ(g_fader->endTime, 101517u);
+}
+
+TEST_F(Runlevels, EscapeFadesOutThenEndsTheLoopWhenTheFadeIsDone) {
+    step(100000, KEY_ESCAPE);
+    EXPECT_EQ(runlevel, RUNLEVEL_FADING_OUT);
+    EXPECT_EQ(g_fader->endTime, 101000u);
+    step(101000);
+    EXPECT_EQ(runlevel, RUNLEVEL_FADING_OUT);
+    step(101001);
+    EXPECT_EQ(runlevel, RUNLEVEL_QUIT);
+}
+
+TEST_F(Runlevels, EscapeDuringTheFadeToBlackIsIgnored) {
+    step(100000, KEY_RETURN);
+    step(100500, KEY_ESCAPE);
+    EXPECT_EQ(runlevel, RUNLEVEL_TO_GAME);
+    EXPECT_EQ(g_fader->endTime, 101000u);
+}
+
+TEST_F(Runlevels, EscapeDuringTheGameFadesToBlackAndQuits) {
+    runlevel = RUNLEVEL_GAME;
+    g_game = new Game();
+    step(100000, KEY_ESCAPE);
+    EXPECT_EQ(runlevel, RUNLEVEL_FADING_OUT);
+    step(101001);
+    EXPECT_EQ(runlevel, RUNLEVEL_QUIT);
+}
+
+TEST_F(Runlevels, F1SavesNumberedScreenshotsInEveryRunlevel) {
+    char dir[] = "/tmp/screenshotsXXXXXX";
+    ASSERT_NE(mkdtemp(dir), nullptr);
+    char cwd[4096];
+    ASSERT_NE(getcwd(cwd, sizeof cwd), nullptr);
+    ASSERT_EQ(chdir(dir), 0);
+    step(100000, KEY_F1);
+    step(100016);
+    g_fader->fadeOut(1000);
+    step(100032, KEY_F1);
+    std::string first = std::string(dir) + "/screenshot_1.bmp", second = std::string(dir) + "/screenshot_2.bmp";
+    EXPECT_EQ(access(first.c_str(), F_OK), 0);
+    EXPECT_EQ(access(second.c_str(), F_OK), 0);
+    EXPECT_NE(access((std::string(dir) + "/screenshot_3.bmp").c_str(), F_OK), 0);
+    ASSERT_EQ(chdir(cwd), 0);
+    EXPECT_EQ(system((std::string("rm -rf ") + dir).c_str()), 0);
+}
+
+TEST_F(Runlevels, IntroHasThirteenCentredLinesAndTheCreditFromTheCentre) {
+    ASSERT_EQ(g_apology->lines.count, 13u);
+    EXPECT_EQ(g_hud->count, 13);
+    // Cells of the medium font are 32 px high; lines are 32 + 9 apart plus the extra gaps.
+    const float expectedY[13] = {25, 66, 142, 183, 224, 265, 306, 372, 413, 454, 530, 606, 647};
+    float cellHeight = (float)(Resources::font_medium->surface->height / 16);
+    ASSERT_EQ(cellHeight, 32.0f);
+    for (unsigned i = 0; i < 13; ++i) {
+        Text* line = static_cast<Text*>(g_apology->lines.data[i]);
+        EXPECT_EQ(line->position.x, 640.0f) << i;
+        EXPECT_EQ(line->position.y, expectedY[i]) << i;
+        float expectedHotSpotX = i == 10 ? line->size.x * 0.5f : 0.0f;
+        EXPECT_EQ(line->hotSpot.x, expectedHotSpotX) << i;
+        EXPECT_EQ(line->hotSpot.y, line->size.y * 0.5f) << i;
+    }
+    EXPECT_STREQ(static_cast<Text*>(g_apology->lines.data[0])->text.getCString(), "Nightvector");
+    EXPECT_STREQ(static_cast<Text*>(g_apology->lines.data[10])->text.getCString(), "-- Pale Orbit --");
+}

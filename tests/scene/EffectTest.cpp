@@ -1,0 +1,141 @@
+#include "scene/Effect.h"
+
+#include "engine/GL.h"
+#include "engine/ShaderProgram.h"
+#include "scene/Group.h"
+#include "scene/Scene2D.h"
+#include "tests/scene/VisualsFixture.h"
+
+using orvel::vec3;
+using testing_support::VisualsTest;
+
+namespace {
+
+// Draws a 10 x 10 square from its local origin in the state's colour and remembers what it got.
+class SquareEffect : public Effect {
+public:
+    void draw(SceneState& state) override {
+        ++draws;
+        seenPosition = state.position;
+        static GLfloat vertices[8] = {0, 0, 10, 0, 10, 10, 0, 10};
+        static GLubyte colors[16];
+        for (int i = 0; i < 16; i += 4) {
+            colors[i + 0] = state.color.r;
+            colors[i + 1] = state.color.g;
+            colors[i + 2] = state.color.b;
+            colors[i + 3] = state.color.a;
+        }
+        Shaders::color_shader_fixed->bind();
+        glEnableClientState(GL_VERTEX_ARRAY);
+        glEnableClientState(GL_COLOR_ARRAY);
+        glVertexPointer(2, GL_FLOAT, 0, vertices);
+        glColorPointer(4, GL_UNSIGNED_BYTE, 0, colors);
+        glDrawArrays(GL_QUADS, 0, 4);
+    }
+
+    int draws = 0;
+    vec3 seenPosition;
+};
+
+class EffectGL : public VisualsTest {
+protected:
+    void SetUp() override {
+        VisualsTest::SetUp();
+        root = makeRoot();
+    }
+    void TearDown() override {
+        delete root;
+        VisualsTest::TearDown();
+    }
+
+    DirectScene2D* root = nullptr;
+};
+
+} // namespace
+
+TEST(Effect, ConstructorMarksAVisibleEffectNode) {
+    SquareEffect e;
+    // Visible, effect, draw mode BlendAlpha; nothing else.
+    EXPECT_EQ(e.flags, 0x103u);
+    EXPECT_EQ(e.size.x, 0.0f);
+    EXPECT_EQ(e.position.x, 0.0f);
+}
+
+TEST(Effect, UpdateSizeOnlyClearsTheDirtyBit) {
+    SquareEffect e;
+    e.setSize(5, 7);
+    e.markDirty();
+    e.updateSize();
+    EXPECT_EQ(e.flags, 0x103u);
+    EXPECT_EQ(e.size.x, 5.0f);
+    EXPECT_EQ(e.size.y, 7.0f);
+}
+
+TEST_F(EffectGL, DrawsInItsParentsSpaceIgnoringItsOwnTransform) {
+    Group* group = new Group();
+    group->position = vec3(100, 50, 0);
+    SquareEffect* e = new SquareEffect();
+    // None of these move the square: only the group's transform applies.
+    e->position = vec3(30, 20, 0);
+    e->setRotation(45);
+    e->setScale(3);
+    group->add(e);
+    root->add(group);
+    drawFrame(*root);
+
+    Pixels p = readScreen();
+    EXPECT_EQ(e->draws, 1);
+    EXPECT_TRUE(blockIs(p, 100, 50, 10, 10, pack(255, 255, 255)));
+    EXPECT_EQ(rgb(p.at(99, 55)), 0u);
+    EXPECT_EQ(rgb(p.at(110, 55)), 0u);
+    EXPECT_EQ(rgb(p.at(105, 60)), 0u);
+    EXPECT_EQ(rgb(p.at(135, 75)), 0u);
+    // The node's own position comes with the state, for the effect to place itself.
+    EXPECT_EQ(e->seenPosition.x, 30.0f);
+    EXPECT_EQ(e->seenPosition.y, 20.0f);
+    delete e;
+    delete group;
+}
+
+TEST_F(EffectGL, FollowsARotatedParent) {
+    Group* group = new Group();
+    group->position = vec3(100, 100, 0);
+    group->setRotation(90);
+    SquareEffect* e = new SquareEffect();
+    group->add(e);
+    root->add(group);
+    drawFrame(*root);
+
+    // A rotation by a maps (x, y) to (cos a x + sin a y, -sin a x + cos a y); at 90 degrees
+    // that is (y, -x), so local (0..10, 0..10) lands on window x 100..109, y 90..99.
+    Pixels p = readScreen();
+    EXPECT_TRUE(blockIs(p, 100, 90, 10, 10, pack(255, 255, 255)));
+    EXPECT_EQ(rgb(p.at(105, 105)), 0u);
+    EXPECT_EQ(rgb(p.at(95, 105)), 0u);
+    delete e;
+    delete group;
+}
+
+TEST_F(EffectGL, IsNeverCulled) {
+    SquareEffect* e = new SquareEffect();
+    // Far outside the view with a box of its own: a sprite there would be culled.
+    e->position = vec3(5000, 5000, 0);
+    e->setSize(10, 10);
+    root->add(e);
+    drawFrame(*root);
+
+    EXPECT_EQ(e->draws, 1);
+    // At the root the parent's space is the world: the square sits at the world origin.
+    EXPECT_TRUE(blockIs(readScreen(), 0, 0, 10, 10, pack(255, 255, 255)));
+    delete e;
+}
+
+TEST_F(EffectGL, GetsTheCombinedSceneColour) {
+    SquareEffect* e = new SquareEffect();
+    // ((node + 1) * 255) >> 8 per channel: 0, 128 and 255.
+    e->setBlendColor(pack(0, 128, 255, 255));
+    root->add(e);
+    drawFrame(*root);
+    EXPECT_TRUE(blockIs(readScreen(), 0, 0, 10, 10, pack(0, 128, 255)));
+    delete e;
+}

@@ -1,0 +1,173 @@
+#include "scene/Scene2D.h"
+
+#include <gtest/gtest.h>
+
+#include "engine/Framebuffer.h"
+#include "engine/GL.h"
+#include "engine/Renderbuffer.h"
+#include "engine/Texture.h"
+#include "tests/scene/SceneGLTest.h"
+
+using orvel::vec2;
+using orvel::vec3;
+using scene_test::RecordingNode;
+using scene_test::rgb;
+
+namespace {
+
+class Scene2DTest : public scene_test::SceneGLTest {
+protected:
+    // The pixels of the scene's offscreen target, read like the screen.
+    static Pixels readFramebuffer(const Scene2D& scene) {
+        scene.framebuffer->bind();
+        Pixels p = readPixels(0, 0, scene.screenWidth, scene.screenHeight);
+        orvel::Framebuffer::unbindFB();
+        return p;
+    }
+};
+
+} // namespace
+
+TEST_F(Scene2DTest, CreatesAFramebufferWithFourColourTargetsAndDepth) {
+    Scene2D scene(-1, -1);
+    ASSERT_NE(scene.framebuffer, nullptr);
+    EXPECT_EQ(scene.framebuffer->width, 1280u);
+    EXPECT_EQ(scene.framebuffer->height, 720u);
+    EXPECT_NE(scene.framebuffer->color0, nullptr);
+    EXPECT_NE(scene.framebuffer->color1, nullptr);
+    EXPECT_NE(scene.framebuffer->color2, nullptr);
+    EXPECT_NE(scene.framebuffer->color3, nullptr);
+    EXPECT_NE(scene.framebuffer->depth, nullptr);
+    EXPECT_EQ(scene.color0, scene.framebuffer->color0);
+    EXPECT_EQ(scene.color1, scene.framebuffer->color1);
+    EXPECT_EQ(scene.color2, scene.framebuffer->color2);
+    EXPECT_EQ(scene.color3, scene.framebuffer->color3);
+}
+
+TEST_F(Scene2DTest, TheFramebufferHasTheGivenSize) {
+    Scene2D scene(640, 480);
+    EXPECT_EQ(scene.framebuffer->width, 640u);
+    EXPECT_EQ(scene.framebuffer->height, 480u);
+}
+
+TEST_F(Scene2DTest, DrawsIntoItsFramebufferAndCopiesItToTheScreen) {
+    Scene2D scene(-1, -1);
+    scene.debugDraw = false;
+    RecordingNode node(40, 40);
+    node.position = vec3(300, 200, 0);
+    node.setBlendColor(0xFF00FF00u); // green
+    scene.add(&node);
+    scene.draw();
+
+    auto screen = readScreen();
+    EXPECT_EQ(rgbAt(screen, 300, 200), rgb(0, 255, 0));
+    EXPECT_EQ(rgbAt(screen, 600, 400), rgb(0, 0, 0));
+    auto target = readFramebuffer(scene);
+    EXPECT_EQ(target.at(300, 200), 0xFF00FF00u);
+    // Cleared to transparent black around it.
+    EXPECT_EQ(target.at(600, 400), 0u);
+    EXPECT_EQ(GLint(0), [] {
+        GLint bound = -1;
+        glGetIntegerv(GL_FRAMEBUFFER_BINDING_EXT, &bound);
+        return bound;
+    }());
+}
+
+TEST_F(Scene2DTest, EachDrawClearsTheFramebufferFirst) {
+    Scene2D scene(-1, -1);
+    scene.debugDraw = false;
+    RecordingNode node(40, 40);
+    node.position = vec3(300, 200, 0);
+    scene.add(&node);
+    scene.draw();
+    node.setVisible(false);
+    scene.draw();
+    EXPECT_EQ(readFramebuffer(scene).at(300, 200), 0u);
+}
+
+TEST_F(Scene2DTest, TheCopyLeavesTheScreenWhereTheSceneIsTransparent) {
+    Scene2D scene(-1, -1);
+    scene.debugDraw = false;
+    RecordingNode node(40, 40);
+    node.position = vec3(300, 200, 0);
+    node.setBlendColor(0xFF0000FFu); // red
+    scene.add(&node);
+    clearScreen(0, 0, 255);
+    scene.draw();
+    auto p = readScreen();
+    EXPECT_EQ(rgbAt(p, 300, 200), rgb(255, 0, 0));
+    EXPECT_EQ(rgbAt(p, 100, 600), rgb(0, 0, 255));
+}
+
+TEST_F(Scene2DTest, AnEmptyRootWithoutOutlinesLeavesTheScreenAsItWas) {
+    Scene2D scene(-1, -1);
+    scene.debugDraw = false;
+    clearScreen(0, 0, 255);
+    scene.draw();
+    auto p = readScreen();
+    for (int y = 0; y < 720; y += 37) {
+        for (int x = 0; x < 1280; x += 41)
+            ASSERT_EQ(rgbAt(p, x, y), rgb(0, 0, 255)) << x << ", " << y;
+    }
+}
+
+TEST_F(Scene2DTest, AnEmptyRootDrawsOnlyTheWorldBorder) {
+    Scene2D scene(-1, -1);
+    scene.wrap = false;
+    scene.worldWidth = 400;
+    scene.worldHeight = 300;
+    clearScreen(0, 0, 255);
+    scene.draw();
+    auto p = readScreen();
+    // With the default camera, world (x, y) is pixel (x, y): the border runs along x = 400 and
+    // y = 300 on screen, three pixels wide.
+    bool isRightEdgeLit = false;
+    bool isBottomEdgeLit = false;
+    for (int d = -2; d <= 2; ++d) {
+        if ((rgbAt(p, 400 + d, 150) & 0xFF) > 100) isRightEdgeLit = true;
+        if ((rgbAt(p, 200, 300 + d) & 0xFF) > 100) isBottomEdgeLit = true;
+    }
+    EXPECT_TRUE(isRightEdgeLit);
+    EXPECT_TRUE(isBottomEdgeLit);
+    EXPECT_EQ(rgbAt(p, 200, 150), rgb(0, 0, 255));
+    EXPECT_EQ(rgbAt(p, 800, 500), rgb(0, 0, 255));
+    EXPECT_EQ(rgbAt(p, 396, 150), rgb(0, 0, 255));
+}
+
+TEST_F(Scene2DTest, ASpriteBeyondTheTopLeftCornerShowsOnceInTheUpperLeftQuarter) {
+    Scene2D scene(-1, -1);
+    scene.debugDraw = false;
+    scene.worldWidth = 4096;
+    scene.worldHeight = 4096;
+    Camera2D camera(vec2(100, 100), 1, 0);
+    scene.setCamera(&camera);
+    RecordingNode sprite(64, 64);
+    sprite.position = vec3(4000, 4000, 0);
+    sprite.setBlendColor(0xFF0000FFu); // red
+    scene.add(&sprite);
+    scene.draw();
+    ASSERT_EQ(sprite.drawCount, 1);
+
+    // Shifted by (-4096, -4096) to (-96, -96), 196 units up and left of the camera: centred on
+    // pixel (640 - 196, 360 - 196) = (444, 164), covering x 412..475 and y 132..195.
+    auto p = readScreen();
+    int redPixels = 0;
+    int minX = 1280, minY = 720, maxX = -1, maxY = -1;
+    for (int y = 0; y < 720; ++y) {
+        for (int x = 0; x < 1280; ++x) {
+            if (rgbAt(p, x, y) != rgb(255, 0, 0)) continue;
+            ++redPixels;
+            minX = std::min(minX, x);
+            maxX = std::max(maxX, x);
+            minY = std::min(minY, y);
+            maxY = std::max(maxY, y);
+        }
+    }
+    EXPECT_EQ(redPixels, 64 * 64);
+    EXPECT_EQ(minX, 412);
+    EXPECT_EQ(maxX, 475);
+    EXPECT_EQ(minY, 132);
+    EXPECT_EQ(maxY, 195);
+    EXPECT_LT(maxX, 640);
+    EXPECT_LT(maxY, 360);
+}

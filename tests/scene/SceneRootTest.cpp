@@ -1,0 +1,159 @@
+// What both scene roots share outside the walk: construction and the screen/world conversions.
+
+#include <gtest/gtest.h>
+
+#include "engine/Matrix.h"
+#include "scene/DirectScene2D.h"
+#include "scene/Scene2D.h"
+#include "scene/Shaders.h"
+#include "tests/scene/SceneGLTest.h"
+
+using orvel::mat2;
+using orvel::vec2;
+
+namespace {
+
+void expectMat2(const mat2& m, float m0, float m1, float m2, float m3, float m4, float m5) {
+    const float expected[6] = {m0, m1, m2, m3, m4, m5};
+    for (int i = 0; i < 6; ++i)
+        EXPECT_NEAR(m.m[i], expected[i], 1e-3f) << "element " << i;
+}
+
+void expectVec2(const vec2& v, float x, float y) {
+    EXPECT_NEAR(v.x, x, 1e-3f);
+    EXPECT_NEAR(v.y, y, 1e-3f);
+}
+
+} // namespace
+
+template <typename Root> class SceneRoot : public scene_test::SceneGLTest {
+protected:
+    // A 1280 x 720 root over the game's 4096 x 4096 world, looking through `camera`.
+    Root* gameWorld(vec2 position, float zoom, float rotation) {
+        Root* root = new Root(-1, -1);
+        root->worldWidth = 4096;
+        root->worldHeight = 4096;
+        camera = Camera2D(position, zoom, rotation);
+        root->setCamera(&camera);
+        return root;
+    }
+
+    Camera2D camera;
+};
+
+using Roots = ::testing::Types<Scene2D, DirectScene2D>;
+TYPED_TEST_SUITE(SceneRoot, Roots);
+
+TYPED_TEST(SceneRoot, MinusOneTakesTheEngineScreenSize) {
+    TypeParam root(-1, -1);
+    EXPECT_EQ(root.screenWidth, 1280);
+    EXPECT_EQ(root.screenHeight, 720);
+    EXPECT_FLOAT_EQ(root.worldWidth, 1280);
+    EXPECT_FLOAT_EQ(root.worldHeight, 720);
+    EXPECT_FLOAT_EQ(root.defaultCamera.position.x, 640);
+    EXPECT_FLOAT_EQ(root.defaultCamera.position.y, 360);
+}
+
+TYPED_TEST(SceneRoot, GivenSizesSetScreenWorldAndDefaultCamera) {
+    TypeParam root(800, -1);
+    EXPECT_EQ(root.screenWidth, 800);
+    EXPECT_EQ(root.screenHeight, 720);
+    EXPECT_FLOAT_EQ(root.worldWidth, 800);
+    EXPECT_FLOAT_EQ(root.worldHeight, 720);
+    EXPECT_FLOAT_EQ(root.defaultCamera.position.x, 400);
+    EXPECT_FLOAT_EQ(root.defaultCamera.position.y, 360);
+    EXPECT_FLOAT_EQ(root.defaultCamera.zoom, 1);
+    EXPECT_FLOAT_EQ(root.defaultCamera.rotation, 0);
+}
+
+TYPED_TEST(SceneRoot, StartsWithTheDefaultCameraAndEverySwitchOn) {
+    TypeParam root(-1, -1);
+    EXPECT_EQ(root.camera, &root.defaultCamera);
+    EXPECT_EQ(root.getCamera(), &root.defaultCamera);
+    EXPECT_FLOAT_EQ(root.previousCamera.position.x, 0);
+    EXPECT_FLOAT_EQ(root.previousCamera.position.y, 0);
+    EXPECT_FLOAT_EQ(root.previousCamera.zoom, 1);
+    EXPECT_FLOAT_EQ(root.previousCamera.rotation, 0);
+    EXPECT_TRUE(root.enabled);
+    EXPECT_TRUE(root.debugDraw);
+    EXPECT_TRUE(root.wrap);
+    EXPECT_TRUE(root.skipTransparent);
+    EXPECT_EQ(root.count, 0);
+    EXPECT_EQ(root.first, nullptr);
+}
+
+TYPED_TEST(SceneRoot, KeepsItsUnreadTuningValues) {
+    TypeParam root(-1, -1);
+    EXPECT_FLOAT_EQ(root.tuning[0], 80);
+    EXPECT_FLOAT_EQ(root.tuning[1], 2);
+    EXPECT_FLOAT_EQ(root.tuning[2], 10);
+    EXPECT_FLOAT_EQ(root.tuning[3], 0.5f);
+    EXPECT_EQ(root.tuningColor.r, 255);
+    EXPECT_EQ(root.tuningColor.a, 255);
+    EXPECT_FLOAT_EQ(root.tuningFactor, 0.1f);
+}
+
+TYPED_TEST(SceneRoot, ConstructionLoadsTheSharedShadersOnce) {
+    TypeParam first(-1, -1);
+    EXPECT_TRUE(Shaders::wasInit);
+    ASSERT_NE(Shaders::color_shader_fixed, nullptr);
+    ASSERT_NE(Shaders::texture_shader_fixed, nullptr);
+    orvel::ShaderProgram* program = Shaders::texture_shader_fixed;
+    TypeParam second(-1, -1);
+    EXPECT_EQ(Shaders::texture_shader_fixed, program);
+}
+
+TYPED_TEST(SceneRoot, DeletingARootUnlinksButKeepsItsNodes) {
+    scene_test::RecordingNode a, b;
+    TypeParam* root = new TypeParam(-1, -1);
+    root->add(&a);
+    root->add(&b);
+    delete root;
+    EXPECT_EQ(a.parent, nullptr);
+    EXPECT_EQ(a.next, nullptr);
+    EXPECT_EQ(b.prev, nullptr);
+}
+
+TYPED_TEST(SceneRoot, WorldToScreenMatrixWrapsTheCameraAndScalesLast) {
+    TypeParam* root = this->gameWorld(vec2(5000, -100), 2, 0);
+    // Camera wrapped to (904, 3996). Screen centre, then the camera moved to the origin, then
+    // scaled: p -> 2 p + (640 - 904, 360 - 3996).
+    expectMat2(root->worldToScreenMatrix(), 2, 0, 0, 2, -264, -3636);
+    delete root;
+}
+
+TYPED_TEST(SceneRoot, ScreenToWorldMatrixUndoesTheZoom) {
+    TypeParam* root = this->gameWorld(vec2(5000, -100), 2, 0);
+    // p -> 0.5 (p - (640, 360)) + (904, 3996).
+    expectMat2(root->screenToWorldMatrix(), 0.5f, 0, 0, 0.5f, 584, 3816);
+    expectVec2(root->screenToWorld(vec2(640, 360)), 904, 3996);
+    delete root;
+}
+
+TYPED_TEST(SceneRoot, ScreenToWorldMatrixAtZoomZeroCollapsesToTheCamera) {
+    TypeParam* root = this->gameWorld(vec2(5000, -100), 0, 0);
+    expectMat2(root->screenToWorldMatrix(), 0, 0, 0, 0, 904, 3996);
+    delete root;
+}
+
+TYPED_TEST(SceneRoot, ScreenToWorldOfWorldToScreenIsTheIdentityUnzoomedAndUnturned) {
+    TypeParam* root = this->gameWorld(vec2(100, 100), 1, 0);
+    vec2 p(150, 120);
+    vec2 s = root->worldToScreen(p);
+    expectVec2(s, 690, 380);
+    expectVec2(root->screenToWorld(s), 150, 120);
+    delete root;
+}
+
+TYPED_TEST(SceneRoot, WorldToScreenTurnsTheOtherWayFromItsMatrix) {
+    TypeParam* root = this->gameWorld(vec2(100, 200), 1, 90);
+    // The matrix turns by -90 degrees: [0, 1, -1, 0, 640, 360], then moves by (-100, -200).
+    mat2 m = root->worldToScreenMatrix();
+    expectMat2(m, 0, 1, -1, 0, 840, 260);
+    expectVec2(m * vec2(110, 200), 640, 370);
+    // worldToScreen turns by +90 degrees: [0, -1, 1, 0, 640, 360], moved: (440, 460).
+    expectVec2(root->worldToScreen(vec2(110, 200)), 640, 350);
+    // Both send the camera itself to the centre.
+    expectVec2(root->worldToScreen(vec2(100, 200)), 640, 360);
+    delete root;
+}

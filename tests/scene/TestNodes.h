@@ -1,0 +1,42 @@
+#pragma once
+// Plain scene nodes for tests that need no display: a leaf, a container, and list walkers.
+
+#include <vector>
+
+#include "scene/Container.h"
+#include "scene/Drawable.h"
+
+namespace scene_test {
+
+// A leaf that draws nothing and counts how often it was asked to.
+class TestNode : public Drawable {
+public:
+    void draw(SceneState&) override { ++drawCount; }
+    int drawCount = 0;
+};
+
+// A concrete container that counts the dirty notices of its children.
+class TestContainer : public Container {
+public:
+    ~TestContainer() override {}
+    void markContainerDirty() override { ++dirtyNotices; }
+    int dirtyNotices = 0;
+};
+
+// The children reached from first along next, at most `limit` of them (broken lists may loop).
+inline std::vector<Drawable*> forwardWalk(const Container& c, int limit = 16) {
+    std::vector<Drawable*> out;
+    for (Drawable* d = c.first; d && (int)out.size() < limit; d = d->next)
+        out.push_back(d);
+    return out;
+}
+
+// The children reached from last along prev, at most `limit` of them.
+inline std::vector<Drawable*> backwardWalk(const Container& c, int limit = 16) {
+    std::vector<Drawable*> out;
+    for (Drawable* d = c.last; d && (int)out.size() < limit; d = d->prev)
+        out.push_back(d);
+    return out;
+}
+
+} // namespace scene_test
