@@ -28,7 +28,10 @@ build: build-deps
 	$(call configure,)
 	cmake --build $(BUILD_DIR) -j $(JOBS)
 
-run: build
+# Only the game itself is built here, whatever else the build directory is configured for.
+run: build-deps
+	$(call configure,)
+	cmake --build $(BUILD_DIR) -j $(JOBS) --target nightvector
 	./$(BUILD_DIR)/nightvector
 
 # GL tests start a private Xvfb server (1280x720x24) each; see tests/xvfb-exec.
