@@ -15,9 +15,8 @@ constexpr float HALF_PI_F = 1.57079632679489661923f;
 // The ray parameters where the line from `from` through `to` (direction d, unit length unless
 // from == to) meets the sphere; false when it misses.
 template <typename V>
-bool intersectCircle(const V& from, const V& to, const V& center, float radius,
-                     V& d, float& tNear, float& tFar)
-{
+bool intersectCircle(const V& from, const V& to, const V& center, float radius, V& d, float& tNear,
+                     float& tFar) {
     d = to - from;
     d.normalize();
     V m = from - center;
@@ -40,28 +39,23 @@ bool intersectCircle(const V& from, const V& to, const V& center, float radius,
 
 // ---- Absolute value, minimum and maximum ----
 
-int Math::abs(int v)
-{
+int Math::abs(int v) {
     return v < 0 ? -v : v;
 }
 
-float Math::abs(float v)
-{
+float Math::abs(float v) {
     return std::fabs(v);
 }
 
-int Math::mini(int a, int b)
-{
+int Math::mini(int a, int b) {
     return a < b ? a : b;
 }
 
-int Math::maxi(int a, int b)
-{
+int Math::maxi(int a, int b) {
     return a > b ? a : b;
 }
 
-int Math::miniv(int* v, unsigned n)
-{
+int Math::miniv(int* v, unsigned n) {
     int r = v[0];
     for (unsigned i = 1; i < n; ++i) {
         if (v[i] < r) {
@@ -71,8 +65,7 @@ int Math::miniv(int* v, unsigned n)
     return r;
 }
 
-int Math::maxiv(int* v, unsigned n)
-{
+int Math::maxiv(int* v, unsigned n) {
     int r = v[0];
     for (unsigned i = 1; i < n; ++i) {
         if (v[i] > r) {
@@ -82,8 +75,7 @@ int Math::maxiv(int* v, unsigned n)
     return r;
 }
 
-float Math::minfv(float* v, unsigned n)
-{
+float Math::minfv(float* v, unsigned n) {
     float r = v[0];
     for (unsigned i = 1; i < n; ++i) {
         if (v[i] < r) {
@@ -93,8 +85,7 @@ float Math::minfv(float* v, unsigned n)
     return r;
 }
 
-float Math::maxfv(float* v, unsigned n)
-{
+float Math::maxfv(float* v, unsigned n) {
     float r = v[0];
     for (unsigned i = 1; i < n; ++i) {
         if (v[i] > r) {
@@ -104,8 +95,7 @@ float Math::maxfv(float* v, unsigned n)
     return r;
 }
 
-void Math::minmaxiv(int* out, int* v, unsigned n)
-{
+void Math::minmaxiv(int* out, int* v, unsigned n) {
     out[0] = v[0];
     out[1] = v[0];
     for (unsigned i = 1; i < n; ++i) {
@@ -118,8 +108,7 @@ void Math::minmaxiv(int* out, int* v, unsigned n)
     }
 }
 
-void Math::minmaxfv(float* out, float* v, unsigned n)
-{
+void Math::minmaxfv(float* out, float* v, unsigned n) {
     out[0] = v[0];
     out[1] = v[0];
     for (unsigned i = 1; i < n; ++i) {
@@ -134,8 +123,7 @@ void Math::minmaxfv(float* out, float* v, unsigned n)
 
 // ---- Clamping and wrapping ----
 
-int Math::clampi(int v, int lo, int hi)
-{
+int Math::clampi(int v, int lo, int hi) {
     if (v > hi) {
         return hi;
     }
@@ -145,8 +133,7 @@ int Math::clampi(int v, int lo, int hi)
     return lo;
 }
 
-float Math::clampf(float v, float lo, float hi)
-{
+float Math::clampf(float v, float lo, float hi) {
     if (v > hi) {
         return hi;
     }
@@ -156,8 +143,7 @@ float Math::clampf(float v, float lo, float hi)
     return v;
 }
 
-int Math::wrapi(int v, int a, int b)
-{
+int Math::wrapi(int v, int a, int b) {
     if (a == b) {
         return a;
     }
@@ -170,8 +156,7 @@ int Math::wrapi(int v, int a, int b)
     return lo + m;
 }
 
-float Math::wrapf(float v, float a, float b)
-{
+float Math::wrapf(float v, float a, float b) {
     if (a == b) {
         return a;
     }
@@ -186,8 +171,7 @@ float Math::wrapf(float v, float a, float b)
     return lo + r;
 }
 
-int Math::bounce(int v, int a, int b)
-{
+int Math::bounce(int v, int a, int b) {
     int w = wrapi(v, a, 2 * b - a);
     if (w - b > 0) {
         return 2 * b - w;
@@ -195,8 +179,7 @@ int Math::bounce(int v, int a, int b)
     return w;
 }
 
-float Math::bounce(float v, float a, float b)
-{
+float Math::bounce(float v, float a, float b) {
     float w = wrapf(v, a, 2.0f * b - a);
     if (w - b > 0.0f) {
         return b - (w - b);
@@ -206,13 +189,11 @@ float Math::bounce(float v, float a, float b)
 
 // ---- Interpolation ----
 
-float Math::lerp(float t, float a, float b)
-{
+float Math::lerp(float t, float a, float b) {
     return (b - a) * t + a;
 }
 
-float Math::sin_lerp(float t, float a, float b)
-{
+float Math::sin_lerp(float t, float a, float b) {
     if (t < 0.0f || t > 1.0f) {
         return lerp(t, a, b);
     }
@@ -221,70 +202,58 @@ float Math::sin_lerp(float t, float a, float b)
     return lerp(static_cast<float>(s), a, b);
 }
 
-float Math::sinh_lerp(float t, float a, float b)
-{
+float Math::sinh_lerp(float t, float a, float b) {
     if (t < 0.0f || t > 1.0f) {
         return lerp(t, a, b);
     }
     return lerp(std::sin(t * HALF_PI_F), a, b);
 }
 
-float Math::sinl_lerp(float t, float a, float b)
-{
+float Math::sinl_lerp(float t, float a, float b) {
     if (t < 0.0f || t > 1.0f) {
         return lerp(t, a, b);
     }
     return lerp(1.0f - std::cos(t * HALF_PI_F), a, b);
 }
 
-vec2 Math::lerp(float t, const vec2& a, const vec2& b)
-{
+vec2 Math::lerp(float t, const vec2& a, const vec2& b) {
     return vec2(lerp(t, a.x, b.x), lerp(t, a.y, b.y));
 }
 
-vec3 Math::lerp(float t, const vec3& a, const vec3& b)
-{
+vec3 Math::lerp(float t, const vec3& a, const vec3& b) {
     return vec3(lerp(t, a.x, b.x), lerp(t, a.y, b.y), lerp(t, a.z, b.z));
 }
 
-vec2 Math::sin_lerp(float t, const vec2& a, const vec2& b)
-{
+vec2 Math::sin_lerp(float t, const vec2& a, const vec2& b) {
     return vec2(sin_lerp(t, a.x, b.x), sin_lerp(t, a.y, b.y));
 }
 
-vec3 Math::sin_lerp(float t, const vec3& a, const vec3& b)
-{
+vec3 Math::sin_lerp(float t, const vec3& a, const vec3& b) {
     return vec3(sin_lerp(t, a.x, b.x), sin_lerp(t, a.y, b.y), sin_lerp(t, a.z, b.z));
 }
 
-vec2 Math::sinh_lerp(float t, const vec2& a, const vec2& b)
-{
+vec2 Math::sinh_lerp(float t, const vec2& a, const vec2& b) {
     return vec2(sinh_lerp(t, a.x, b.x), sinh_lerp(t, a.y, b.y));
 }
 
-vec3 Math::sinh_lerp(float t, const vec3& a, const vec3& b)
-{
+vec3 Math::sinh_lerp(float t, const vec3& a, const vec3& b) {
     return vec3(sinh_lerp(t, a.x, b.x), sinh_lerp(t, a.y, b.y), sinh_lerp(t, a.z, b.z));
 }
 
-vec2 Math::sinl_lerp(float t, const vec2& a, const vec2& b)
-{
+vec2 Math::sinl_lerp(float t, const vec2& a, const vec2& b) {
     return vec2(sinl_lerp(t, a.x, b.x), sinl_lerp(t, a.y, b.y));
 }
 
-vec3 Math::sinl_lerp(float t, const vec3& a, const vec3& b)
-{
+vec3 Math::sinl_lerp(float t, const vec3& a, const vec3& b) {
     return vec3(sinl_lerp(t, a.x, b.x), sinl_lerp(t, a.y, b.y), sinl_lerp(t, a.z, b.z));
 }
 
-float Math::scurve3(float t)
-{
+float Math::scurve3(float t) {
     double d = t;
     return static_cast<float>(d * d * (3.0 - 2.0 * d));
 }
 
-float Math::scurve5(float t)
-{
+float Math::scurve5(float t) {
     double d = t;
     double d3 = d * d * d;
     double d4 = d3 * d;
@@ -294,18 +263,15 @@ float Math::scurve5(float t)
 
 // ---- Angles ----
 
-float Math::toRadian(float d)
-{
+float Math::toRadian(float d) {
     return d * 0.017453292f;
 }
 
-float Math::toDegree(float r)
-{
+float Math::toDegree(float r) {
     return r * 57.29578f;
 }
 
-float Math::angle(const vec2& from, const vec2& to)
-{
+float Math::angle(const vec2& from, const vec2& to) {
     float dx = to.x - from.x;
     float dy = to.y - from.y;
     // Negated because y grows down the screen; the 360 lifts the lower half (and 0) into range.
@@ -318,8 +284,7 @@ float Math::angle(const vec2& from, const vec2& to)
 
 // ---- Powers of two ----
 
-unsigned Math::getNextPow2(unsigned n)
-{
+unsigned Math::getNextPow2(unsigned n) {
     if (n < 2) {
         return 1;
     }
@@ -330,8 +295,7 @@ unsigned Math::getNextPow2(unsigned n)
     return p;
 }
 
-unsigned Math::getClosestPow2(unsigned n)
-{
+unsigned Math::getClosestPow2(unsigned n) {
     if (n < 2) {
         return n;
     }
@@ -342,8 +306,7 @@ unsigned Math::getClosestPow2(unsigned n)
     return p == n ? p : p / 2;
 }
 
-unsigned Math::getShiftPow2(unsigned n)
-{
+unsigned Math::getShiftPow2(unsigned n) {
     for (unsigned s = 0; s < 32; ++s) {
         if ((1u << s) >= n) {
             return s;
@@ -352,8 +315,7 @@ unsigned Math::getShiftPow2(unsigned n)
     return 31;
 }
 
-bool Math::isPowerOf2(unsigned n)
-{
+bool Math::isPowerOf2(unsigned n) {
     if (n < 2) {
         return n == 1;
     }
@@ -366,8 +328,7 @@ bool Math::isPowerOf2(unsigned n)
 
 // ---- Fixed point ----
 
-int Math::toFixed(float f, unsigned char bits)
-{
+int Math::toFixed(float f, unsigned char bits) {
     if (f == 0.0f) {
         return 0;
     }
@@ -377,8 +338,7 @@ int Math::toFixed(float f, unsigned char bits)
     return i + static_cast<int>(one * f - static_cast<float>(i));
 }
 
-float Math::toFloat(int v, unsigned char bits)
-{
+float Math::toFloat(int v, unsigned char bits) {
     if (v == 0) {
         return 0.0f;
     }
@@ -387,8 +347,7 @@ float Math::toFloat(int v, unsigned char bits)
     return static_cast<float>(one) / fraction + static_cast<float>(v >> bits);
 }
 
-float Math::gauss(float x, float sigma)
-{
+float Math::gauss(float x, float sigma) {
     double xd = x;
     double sd = sigma;
     return static_cast<float>(std::exp(-xd * xd / (2.0 * sd * sd)) / std::sqrt(2.0 * PI * sd));
@@ -396,30 +355,25 @@ float Math::gauss(float x, float sigma)
 
 // ---- Vector algebra ----
 
-float Math::dot(vec2 a, vec2 b)
-{
+float Math::dot(vec2 a, vec2 b) {
     return a.x * b.x + a.y * b.y;
 }
 
-float Math::dot(vec3 a, vec3 b)
-{
+float Math::dot(vec3 a, vec3 b) {
     return a.x * b.x + a.y * b.y + a.z * b.z;
 }
 
-vec3 Math::cross(vec3 a, vec3 b)
-{
+vec3 Math::cross(vec3 a, vec3 b) {
     return vec3(a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x);
 }
 
-vec2 Math::rotate(const vec2& v, float a)
-{
+vec2 Math::rotate(const vec2& v, float a) {
     float c = std::cos(a);
     float s = std::sin(a);
     return vec2(v.x * c - v.y * s, v.y * c + v.x * s);
 }
 
-vec3 Math::rotate(const vec3& v, float a, float b, float c)
-{
+vec3 Math::rotate(const vec3& v, float a, float b, float c) {
     float ca = std::cos(a);
     float sa = std::sin(a);
     float cb = std::cos(b);
@@ -431,8 +385,7 @@ vec3 Math::rotate(const vec3& v, float a, float b, float c)
                 (ca * sb * cc + sa * sc) * v.x + (ca * sb * sc - sa * cc) * v.y + ca * cb * v.y);
 }
 
-vec3 Math::rotate(const vec3& v, const vec3& axis, float a)
-{
+vec3 Math::rotate(const vec3& v, const vec3& axis, float a) {
     // One matrix for every axis rotation, so this and mat4::rotate cannot drift apart; its
     // translation is zero, so mat4 * vec3 is R * v.
     mat4 r;
@@ -440,23 +393,20 @@ vec3 Math::rotate(const vec3& v, const vec3& axis, float a)
     return r * v;
 }
 
-float Math::distanceTo(const vec2& a, const vec2& b, const vec2& p)
-{
+float Math::distanceTo(const vec2& a, const vec2& b, const vec2& p) {
     vec2 ap = p - a;
     vec2 ab = b - a;
     float cross = ap.x * ab.y - ap.y * ab.x;
     return static_cast<float>(static_cast<double>(std::fabs(cross)) / static_cast<double>(ab.length()));
 }
 
-float Math::distanceTo(vec3, vec3, vec3)
-{
+float Math::distanceTo(vec3, vec3, vec3) {
     return 0.0f;
 }
 
 // ---- Ray against circle (sphere) ----
 
-vec2 Math::getNearIntersectPoint(const vec2& from, const vec2& to, const vec2& center, float radius)
-{
+vec2 Math::getNearIntersectPoint(const vec2& from, const vec2& to, const vec2& center, float radius) {
     vec2 d;
     float tNear;
     float tFar;
@@ -466,8 +416,7 @@ vec2 Math::getNearIntersectPoint(const vec2& from, const vec2& to, const vec2& c
     return from + d * tNear;
 }
 
-vec2 Math::getFarIntersectPoint(const vec2& from, const vec2& to, const vec2& center, float radius)
-{
+vec2 Math::getFarIntersectPoint(const vec2& from, const vec2& to, const vec2& center, float radius) {
     vec2 d;
     float tNear;
     float tFar;
@@ -477,8 +426,7 @@ vec2 Math::getFarIntersectPoint(const vec2& from, const vec2& to, const vec2& ce
     return from + d * tFar;
 }
 
-vec3 Math::getNearIntersectPoint(const vec3& from, const vec3& to, const vec3& center, float radius)
-{
+vec3 Math::getNearIntersectPoint(const vec3& from, const vec3& to, const vec3& center, float radius) {
     vec3 d;
     float tNear;
     float tFar;
@@ -488,8 +436,7 @@ vec3 Math::getNearIntersectPoint(const vec3& from, const vec3& to, const vec3& c
     return from + d * tNear;
 }
 
-vec3 Math::getFarIntersectPoint(const vec3& from, const vec3& to, const vec3& center, float radius)
-{
+vec3 Math::getFarIntersectPoint(const vec3& from, const vec3& to, const vec3& center, float radius) {
     vec3 d;
     float tNear;
     float tFar;

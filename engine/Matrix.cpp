@@ -10,8 +10,7 @@ namespace orvel {
 namespace {
 
 // Scales the pair (a, b) to unit length unless both are zero.
-void normalizePair(float& a, float& b)
-{
+void normalizePair(float& a, float& b) {
     float l = std::sqrt(a * a + b * b);
     if (l != 0.0f) {
         a /= l;
@@ -21,13 +20,11 @@ void normalizePair(float& a, float& b)
 
 // Replaces columns 0..2 (all four rows) of m by m * r, where r[3 * j + k] is row k of column
 // j of a 3x3 rotation; column 3 stays.
-void multiplyColumns(float* m, const float* r)
-{
+void multiplyColumns(float* m, const float* r) {
     float out[12];
     for (int j = 0; j < 3; ++j) {
         for (int row = 0; row < 4; ++row) {
-            out[4 * j + row] = m[row] * r[3 * j] + m[4 + row] * r[3 * j + 1]
-                             + m[8 + row] * r[3 * j + 2];
+            out[4 * j + row] = m[row] * r[3 * j] + m[4 + row] * r[3 * j + 1] + m[8 + row] * r[3 * j + 2];
         }
     }
     for (int i = 0; i < 12; ++i) {
@@ -41,8 +38,7 @@ struct Minors {
     float s[6];
     float c[6];
 
-    explicit Minors(const float* m)
-    {
+    explicit Minors(const float* m) {
         // a(r, col) = m[4 * col + r]
         auto a = [m](int r, int col) { return m[4 * col + r]; };
         s[0] = a(0, 0) * a(1, 1) - a(1, 0) * a(0, 1);
@@ -59,8 +55,7 @@ struct Minors {
         c[5] = a(2, 2) * a(3, 3) - a(3, 2) * a(2, 3);
     }
 
-    float determinant() const
-    {
+    float determinant() const {
         return s[0] * c[5] - s[1] * c[4] + s[2] * c[3] + s[3] * c[2] - s[4] * c[1] + s[5] * c[0];
     }
 };
@@ -73,26 +68,22 @@ mat2::mat2() : m{1.0f, 0.0f, 0.0f, 1.0f, 0.0f, 0.0f} {}
 
 mat2::mat2(float m0, float m1, float m2, float m3, float m4, float m5) : m{m0, m1, m2, m3, m4, m5} {}
 
-mat2& mat2::identity()
-{
+mat2& mat2::identity() {
     *this = mat2();
     return *this;
 }
 
-mat2& mat2::translate(float tx, float ty)
-{
+mat2& mat2::translate(float tx, float ty) {
     m[4] += m[0] * tx + m[2] * ty;
     m[5] += m[1] * tx + m[3] * ty;
     return *this;
 }
 
-mat2& mat2::translate(const vec2& t)
-{
+mat2& mat2::translate(const vec2& t) {
     return translate(t.x, t.y);
 }
 
-mat2& mat2::rotate(float a)
-{
+mat2& mat2::rotate(float a) {
     float c = std::cos(a);
     float s = std::sin(a);
     float m0 = c * m[0] - s * m[2];
@@ -106,8 +97,7 @@ mat2& mat2::rotate(float a)
     return *this;
 }
 
-mat2& mat2::scale(float s)
-{
+mat2& mat2::scale(float s) {
     m[0] *= s;
     m[1] *= s;
     m[2] *= s;
@@ -115,8 +105,7 @@ mat2& mat2::scale(float s)
     return *this;
 }
 
-mat2& mat2::scale(const vec2& s)
-{
+mat2& mat2::scale(const vec2& s) {
     m[0] *= s.x;
     m[1] *= s.x;
     m[2] *= s.y;
@@ -124,20 +113,17 @@ mat2& mat2::scale(const vec2& s)
     return *this;
 }
 
-float mat2::determinant() const
-{
+float mat2::determinant() const {
     return m[0] * m[3] - m[1] * m[2];
 }
 
-mat2& mat2::transpose()
-{
+mat2& mat2::transpose() {
     m[0] = m[3];
     std::swap(m[1], m[2]);
     return *this;
 }
 
-mat2& mat2::invert()
-{
+mat2& mat2::invert() {
     float d = determinant();
     if (d == 0.0f) {
         return *this;
@@ -156,41 +142,32 @@ mat2& mat2::invert()
     return *this;
 }
 
-mat2& mat2::normalize()
-{
+mat2& mat2::normalize() {
     normalizePair(m[0], m[1]);
     normalizePair(m[2], m[3]);
     normalizePair(m[4], m[5]);
     return *this;
 }
 
-mat2& mat2::operator+=(const mat2& b)
-{
+mat2& mat2::operator+=(const mat2& b) {
     for (int i = 0; i < 6; ++i) {
         m[i] += b.m[i];
     }
     return *this;
 }
 
-mat2& mat2::operator*=(const mat2& b)
-{
+mat2& mat2::operator*=(const mat2& b) {
     *this = *this * b;
     return *this;
 }
 
-mat2 mat2::operator*(const mat2& b) const
-{
+mat2 mat2::operator*(const mat2& b) const {
     const float* a = m;
-    return mat2(a[0] * b.m[0] + a[2] * b.m[1],
-                a[1] * b.m[0] + a[3] * b.m[1],
-                a[0] * b.m[2] + a[2] * b.m[3],
-                a[1] * b.m[2] + a[3] * b.m[3],
-                a[0] * b.m[4] + a[2] * b.m[5],
-                a[1] * b.m[4] + a[2] * b.m[5]);
+    return mat2(a[0] * b.m[0] + a[2] * b.m[1], a[1] * b.m[0] + a[3] * b.m[1], a[0] * b.m[2] + a[2] * b.m[3],
+                a[1] * b.m[2] + a[3] * b.m[3], a[0] * b.m[4] + a[2] * b.m[5], a[1] * b.m[4] + a[2] * b.m[5]);
 }
 
-mat2::operator mat4() const
-{
+mat2::operator mat4() const {
     mat4 r;
     for (float& e : r.m) {
         e = 0.0f;
@@ -208,24 +185,21 @@ mat2::operator mat4() const
 
 // ---- mat4 ----
 
-mat4::mat4() : m{1.0f, 0.0f, 0.0f, 0.0f, 0.0f, 1.0f, 0.0f, 0.0f,
-                 0.0f, 0.0f, 1.0f, 0.0f, 0.0f, 0.0f, 0.0f, 1.0f} {}
+mat4::mat4()
+    : m{1.0f, 0.0f, 0.0f, 0.0f, 0.0f, 1.0f, 0.0f, 0.0f, 0.0f, 0.0f, 1.0f, 0.0f, 0.0f, 0.0f, 0.0f, 1.0f} {}
 
-mat4::mat4(const float* values)
-{
+mat4::mat4(const float* values) {
     for (int i = 0; i < 16; ++i) {
         m[i] = values[i];
     }
 }
 
-mat4& mat4::identity()
-{
+mat4& mat4::identity() {
     *this = mat4();
     return *this;
 }
 
-mat4& mat4::transpose()
-{
+mat4& mat4::transpose() {
     for (int c = 0; c < 4; ++c) {
         for (int r = c + 1; r < 4; ++r) {
             std::swap(m[4 * c + r], m[4 * r + c]);
@@ -234,13 +208,11 @@ mat4& mat4::transpose()
     return *this;
 }
 
-float mat4::determinant() const
-{
+float mat4::determinant() const {
     return Minors(m).determinant();
 }
 
-mat4& mat4::invert()
-{
+mat4& mat4::invert() {
     Minors minors(m);
     float d = minors.determinant();
     if (d == 0.0f) {
@@ -252,25 +224,25 @@ mat4& mat4::invert()
 
     // Adjugate, element (r, col) at 4 * col + r.
     float adj[16];
-    adj[0]  =  a(1, 1) * c[5] - a(1, 2) * c[4] + a(1, 3) * c[3];
-    adj[4]  = -a(0, 1) * c[5] + a(0, 2) * c[4] - a(0, 3) * c[3];
-    adj[8]  =  a(3, 1) * s[5] - a(3, 2) * s[4] + a(3, 3) * s[3];
+    adj[0] = a(1, 1) * c[5] - a(1, 2) * c[4] + a(1, 3) * c[3];
+    adj[4] = -a(0, 1) * c[5] + a(0, 2) * c[4] - a(0, 3) * c[3];
+    adj[8] = a(3, 1) * s[5] - a(3, 2) * s[4] + a(3, 3) * s[3];
     adj[12] = -a(2, 1) * s[5] + a(2, 2) * s[4] - a(2, 3) * s[3];
 
-    adj[1]  = -a(1, 0) * c[5] + a(1, 2) * c[2] - a(1, 3) * c[1];
-    adj[5]  =  a(0, 0) * c[5] - a(0, 2) * c[2] + a(0, 3) * c[1];
-    adj[9]  = -a(3, 0) * s[5] + a(3, 2) * s[2] - a(3, 3) * s[1];
-    adj[13] =  a(2, 0) * s[5] - a(2, 2) * s[2] + a(2, 3) * s[1];
+    adj[1] = -a(1, 0) * c[5] + a(1, 2) * c[2] - a(1, 3) * c[1];
+    adj[5] = a(0, 0) * c[5] - a(0, 2) * c[2] + a(0, 3) * c[1];
+    adj[9] = -a(3, 0) * s[5] + a(3, 2) * s[2] - a(3, 3) * s[1];
+    adj[13] = a(2, 0) * s[5] - a(2, 2) * s[2] + a(2, 3) * s[1];
 
-    adj[2]  =  a(1, 0) * c[4] - a(1, 1) * c[2] + a(1, 3) * c[0];
-    adj[6]  = -a(0, 0) * c[4] + a(0, 1) * c[2] - a(0, 3) * c[0];
-    adj[10] =  a(3, 0) * s[4] - a(3, 1) * s[2] + a(3, 3) * s[0];
+    adj[2] = a(1, 0) * c[4] - a(1, 1) * c[2] + a(1, 3) * c[0];
+    adj[6] = -a(0, 0) * c[4] + a(0, 1) * c[2] - a(0, 3) * c[0];
+    adj[10] = a(3, 0) * s[4] - a(3, 1) * s[2] + a(3, 3) * s[0];
     adj[14] = -a(2, 0) * s[4] + a(2, 1) * s[2] - a(2, 3) * s[0];
 
-    adj[3]  = -a(1, 0) * c[3] + a(1, 1) * c[1] - a(1, 2) * c[0];
-    adj[7]  =  a(0, 0) * c[3] - a(0, 1) * c[1] + a(0, 2) * c[0];
+    adj[3] = -a(1, 0) * c[3] + a(1, 1) * c[1] - a(1, 2) * c[0];
+    adj[7] = a(0, 0) * c[3] - a(0, 1) * c[1] + a(0, 2) * c[0];
     adj[11] = -a(3, 0) * s[3] + a(3, 1) * s[1] - a(3, 2) * s[0];
-    adj[15] =  a(2, 0) * s[3] - a(2, 1) * s[1] + a(2, 2) * s[0];
+    adj[15] = a(2, 0) * s[3] - a(2, 1) * s[1] + a(2, 2) * s[0];
 
     for (int i = 0; i < 16; ++i) {
         m[i] = adj[i] / d;
@@ -278,50 +250,44 @@ mat4& mat4::invert()
     return *this;
 }
 
-mat4& mat4::operator+=(const mat4& b)
-{
+mat4& mat4::operator+=(const mat4& b) {
     for (int i = 0; i < 16; ++i) {
         m[i] += b.m[i];
     }
     return *this;
 }
 
-mat4& mat4::operator*=(const mat4& b)
-{
+mat4& mat4::operator*=(const mat4& b) {
     *this = *this * b;
     return *this;
 }
 
-mat4 mat4::operator*(const mat4& b) const
-{
+mat4 mat4::operator*(const mat4& b) const {
     mat4 r;
     for (int c = 0; c < 4; ++c) {
         for (int row = 0; row < 4; ++row) {
-            r.m[4 * c + row] = m[row] * b.m[4 * c] + m[4 + row] * b.m[4 * c + 1]
-                             + m[8 + row] * b.m[4 * c + 2] + m[12 + row] * b.m[4 * c + 3];
+            r.m[4 * c + row] = m[row] * b.m[4 * c] + m[4 + row] * b.m[4 * c + 1] +
+                               m[8 + row] * b.m[4 * c + 2] + m[12 + row] * b.m[4 * c + 3];
         }
     }
     return r;
 }
 
-mat4& mat4::translate(const vec3& t)
-{
+mat4& mat4::translate(const vec3& t) {
     m[12] += m[0] * t.x + m[4] * t.y + m[8] * t.z;
     m[13] += m[1] * t.x + m[5] * t.y + m[9] * t.z;
     m[14] += m[2] * t.x + m[6] * t.y + m[10] * t.z;
     return *this;
 }
 
-mat4& mat4::scale(float s)
-{
+mat4& mat4::scale(float s) {
     for (float& e : m) {
         e *= s;
     }
     return *this;
 }
 
-mat4& mat4::scale(const vec3& s)
-{
+mat4& mat4::scale(const vec3& s) {
     for (int r = 0; r < 3; ++r) {
         m[r] *= s.x;
         m[4 + r] *= s.y;
@@ -330,8 +296,7 @@ mat4& mat4::scale(const vec3& s)
     return *this;
 }
 
-mat4& mat4::scale(const vec4& s)
-{
+mat4& mat4::scale(const vec4& s) {
     for (int r = 0; r < 4; ++r) {
         m[r] *= s.x;
         m[4 + r] *= s.y;
@@ -341,8 +306,7 @@ mat4& mat4::scale(const vec4& s)
     return *this;
 }
 
-mat4& mat4::rotate(const vec4& r)
-{
+mat4& mat4::rotate(const vec4& r) {
     float ax = r.x;
     float ay = r.y;
     float az = r.z;
@@ -359,8 +323,7 @@ mat4& mat4::rotate(const vec4& r)
     return *this;
 }
 
-mat4& mat4::rotate(const vec3& angles)
-{
+mat4& mat4::rotate(const vec3& angles) {
     float sx = std::sin(angles.x);
     float cx = std::cos(angles.x);
     float sy = std::sin(angles.y);
@@ -370,16 +333,21 @@ mat4& mat4::rotate(const vec3& angles)
     // Column by column. The rotation has no local offset of its own: columns 0..2 get nothing
     // added to rows 0..2.
     const float rot[9] = {
-        cy * cz, sx * sy * cz - cx * sz, cx * sy * cz + sx * sz,
-        cy * sz, sx * sy * sz + cx * cz, cx * sy * sz - sx * cz,
-        -sy,     sx * cy,                cx * cy,
+        cy * cz,
+        sx * sy * cz - cx * sz,
+        cx * sy * cz + sx * sz,
+        cy * sz,
+        sx * sy * sz + cx * cz,
+        cx * sy * sz - sx * cz,
+        -sy,
+        sx * cy,
+        cx * cy,
     };
     multiplyColumns(m, rot);
     return *this;
 }
 
-mat4& mat4::normalize()
-{
+mat4& mat4::normalize() {
     for (int col = 0; col < 3; ++col) {
         float* v = m + 4 * col;
         float l = std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2] + v[3] * v[3]);
@@ -392,9 +360,7 @@ mat4& mat4::normalize()
     return *this;
 }
 
-mat4 mat4::createProjectionMatrix(float left, float right, float top, float bottom,
-                                  float near, float far)
-{
+mat4 mat4::createProjectionMatrix(float left, float right, float top, float bottom, float near, float far) {
     mat4 r;
     for (float& e : r.m) {
         e = 0.0f;
@@ -409,9 +375,7 @@ mat4 mat4::createProjectionMatrix(float left, float right, float top, float bott
     return r;
 }
 
-mat4 mat4::createOrthoMatrix(float left, float right, float top, float bottom,
-                             float near, float far)
-{
+mat4 mat4::createOrthoMatrix(float left, float right, float top, float bottom, float near, float far) {
     if (right == left) {
         right = left + 1.0f;
     }
@@ -435,8 +399,7 @@ mat4 mat4::createOrthoMatrix(float left, float right, float top, float bottom,
     return r;
 }
 
-mat4 mat4::createLookAtMatrix(vec3 eye, vec3 center, vec3 up)
-{
+mat4 mat4::createLookAtMatrix(vec3 eye, vec3 center, vec3 up) {
     vec3 f = (center - eye).normalize();
     vec3 s = Math::cross(f, up.normalize()).normalize();
     vec3 u = Math::cross(s, f).normalize();
@@ -463,41 +426,33 @@ mat4 mat4::createLookAtMatrix(vec3 eye, vec3 center, vec3 up)
 
 // ---- matrix times vector ----
 
-vec2 operator*(const mat2& a, const vec2& v)
-{
+vec2 operator*(const mat2& a, const vec2& v) {
     return vec2(a.m[0] * v.x + a.m[2] * v.y + a.m[4], a.m[1] * v.x + a.m[3] * v.y + a.m[5]);
 }
 
-vec2 operator*(const vec2& v, const mat2& a)
-{
+vec2 operator*(const vec2& v, const mat2& a) {
     return a * v;
 }
 
-vec2 operator*(const mat4& a, const vec2& v)
-{
+vec2 operator*(const mat4& a, const vec2& v) {
     return vec2(a.m[0] * v.x + a.m[4] * v.y + a.m[12], a.m[1] * v.x + a.m[5] * v.y + a.m[13]);
 }
 
-vec2 operator*(const vec2& v, const mat4& a)
-{
+vec2 operator*(const vec2& v, const mat4& a) {
     return a * v;
 }
 
-vec3 operator*(const mat4& a, const vec3& v)
-{
+vec3 operator*(const mat4& a, const vec3& v) {
     const float* m = a.m;
-    return vec3(m[0] * v.x + m[4] * v.y + m[8] * v.z + m[12],
-                m[1] * v.x + m[5] * v.y + m[9] * v.z + m[13],
+    return vec3(m[0] * v.x + m[4] * v.y + m[8] * v.z + m[12], m[1] * v.x + m[5] * v.y + m[9] * v.z + m[13],
                 m[2] * v.x + m[6] * v.y + m[10] * v.z + m[14]);
 }
 
-vec3 operator*(const vec3& v, const mat4& a)
-{
+vec3 operator*(const vec3& v, const mat4& a) {
     return a * v;
 }
 
-vec4 operator*(const mat4& a, const vec4& v)
-{
+vec4 operator*(const mat4& a, const vec4& v) {
     const float* m = a.m;
     return vec4(m[0] * v.x + m[4] * v.y + m[8] * v.z + m[12] * v.w,
                 m[1] * v.x + m[5] * v.y + m[9] * v.z + m[13] * v.w,
@@ -505,8 +460,7 @@ vec4 operator*(const mat4& a, const vec4& v)
                 m[3] * v.x + m[7] * v.y + m[11] * v.z + m[15] * v.w);
 }
 
-vec4 operator*(const vec4& v, const mat4& a)
-{
+vec4 operator*(const vec4& v, const mat4& a) {
     return a * v;
 }
 

@@ -5,8 +5,7 @@ namespace orvel {
 namespace {
 
 // The upper bound is tested first, so with min > max every component ends at max.
-float clampComponent(float c, float min, float max)
-{
+float clampComponent(float c, float min, float max) {
     if (c > max) {
         return max;
     }
@@ -18,14 +17,12 @@ float clampComponent(float c, float min, float max)
 
 } // namespace
 
-vec1& vec1::clamp(float min, float max)
-{
+vec1& vec1::clamp(float min, float max) {
     x = clampComponent(x, min, max);
     return *this;
 }
 
-vec2& vec2::normalize()
-{
+vec2& vec2::normalize() {
     float l = length();
     if (l != 0.0f) {
         x /= l;
@@ -34,15 +31,13 @@ vec2& vec2::normalize()
     return *this;
 }
 
-vec2& vec2::clamp(float min, float max)
-{
+vec2& vec2::clamp(float min, float max) {
     x = clampComponent(x, min, max);
     y = clampComponent(y, min, max);
     return *this;
 }
 
-vec3& vec3::normalize()
-{
+vec3& vec3::normalize() {
     float l = length();
     if (l != 0.0f) {
         x /= l;
@@ -52,16 +47,14 @@ vec3& vec3::normalize()
     return *this;
 }
 
-vec3& vec3::clamp(float min, float max)
-{
+vec3& vec3::clamp(float min, float max) {
     x = clampComponent(x, min, max);
     y = clampComponent(y, min, max);
     z = clampComponent(z, min, max);
     return *this;
 }
 
-float& vec3::operator[](unsigned i)
-{
+float& vec3::operator[](unsigned i) {
     if (i & 2) {
         return z;
     }
@@ -71,13 +64,11 @@ float& vec3::operator[](unsigned i)
     return x;
 }
 
-float vec3::operator[](unsigned i) const
-{
+float vec3::operator[](unsigned i) const {
     return const_cast<vec3&>(*this)[i];
 }
 
-vec4& vec4::normalize()
-{
+vec4& vec4::normalize() {
     float l = length();
     if (l != 0.0f) {
         x /= l;
@@ -88,8 +79,7 @@ vec4& vec4::normalize()
     return *this;
 }
 
-vec4& vec4::clamp(float min, float max)
-{
+vec4& vec4::clamp(float min, float max) {
     x = clampComponent(x, min, max);
     y = clampComponent(y, min, max);
     z = clampComponent(z, min, max);
@@ -97,8 +87,7 @@ vec4& vec4::clamp(float min, float max)
     return *this;
 }
 
-float& vec4::operator[](unsigned i)
-{
+float& vec4::operator[](unsigned i) {
     if ((i & 3) == 3) {
         return w;
     }
@@ -111,29 +100,25 @@ float& vec4::operator[](unsigned i)
     return x;
 }
 
-float vec4::operator[](unsigned i) const
-{
+float vec4::operator[](unsigned i) const {
     return const_cast<vec4&>(*this)[i];
 }
 
-vec2 operator/(const vec2& v, float s)
-{
+vec2 operator/(const vec2& v, float s) {
     if (s == 0.0f) {
         return vec2();
     }
     return v * (1.0f / s);
 }
 
-vec3 operator/(const vec3& v, float s)
-{
+vec3 operator/(const vec3& v, float s) {
     if (s == 0.0f) {
         return vec3();
     }
     return v * (1.0f / s);
 }
 
-vec4 operator/(const vec4& v, float s)
-{
+vec4 operator/(const vec4& v, float s) {
     if (s == 0.0f) {
         return vec4();
     }
