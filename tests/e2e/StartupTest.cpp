@@ -8,38 +8,20 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/ResourceFiles.h"
 #include "tests/e2e/GameProcess.h"
 #include "tests/engine/XDriver.h"
 
 using e2e::GameProcess;
 using e2e::Image;
 using e2e::Surroundings;
+using testing_support::FONT_FILES;
+using testing_support::TEXTURE_FILES;
+using testing_support::loadingLines;
 
 namespace {
 
-const char* const TEXTURE_FILES[] = {
-    "gfx/title.png", "gfx/reticle.png", "gfx/reticle_glow.png", "gfx/star.png", "gfx/sky_top.png",
-    "gfx/sky_bottom.png", "gfx/sky_left.png", "gfx/sky_right.png", "gfx/sky_front.png", "gfx/sky_back.png",
-    "gfx/player_top.png", "gfx/player_mid.png", "gfx/player_bot.png", "gfx/player_glow_top.png",
-    "gfx/player_glow_bot.png", "gfx/slaser.png", "gfx/plasmabullet.png", "gfx/powerup_anim.png",
-    "gfx/powerup_glow_anim.png", "gfx/enemy_fighter.png", "gfx/enemy_fighter_glow.png", "gfx/enemy_fighter2.png",
-    "gfx/enemy_fighter2_glow.png", "gfx/enemy_hammerhead.png", "gfx/enemy_hammerhead_glow.png",
-    "gfx/enemy_hammerhead.png", "gfx/enemy_hammerhead_glow.png", "gfx/enemy_probe.png", "gfx/enemy_probe_glow.png",
-    "gfx/enemy_probe2.png", "gfx/enemy_probe2_glow.png", "gfx/enemy_probe3.png", "gfx/enemy_probe3_glow.png",
-    "gfx/hud_radar_dials.png", "gfx/hud_radar_mask.png", "gfx/hud_bars_mask.png", "gfx/hud_score.png",
-    "gfx/hud_power_dials.png"};
-const char* const FONT_FILES[] = {"gfx/hugefont.png", "gfx/medfont.png", "gfx/smallfont.png", "gfx/minifont.png"};
-
 const unsigned BACKGROUND = 0x000000;
-
-std::string loadingLines(const std::string& failing = "") {
-    std::string out = ":: loading resources...\n";
-    for (const char* f : TEXTURE_FILES)
-        out += std::string("Loading texture ") + f + "... " + (failing == f ? "ERROR" : "OK") + "\n";
-    for (const char* f : FONT_FILES)
-        out += std::string("Loading image ") + f + "... " + (failing == f ? "ERROR" : "OK") + "\n";
-    return out + ":: Generating procedural textures... :: All done.\n";
-}
 
 // Width and height from a PNG's header chunk.
 bool pngSize(const std::string& path, unsigned& w, unsigned& h) {

@@ -10,35 +10,15 @@
 #include "engine/Surface.h"
 #include "engine/Texture.h"
 #include "tests/GLFixture.h"
+#include "tests/ResourceFiles.h"
 
 using orvel::Texture;
+using testing_support::FONT_FILES;
 using testing_support::GLTest;
+using testing_support::TEXTURE_FILES;
+using testing_support::loadingLines;
 
 namespace {
-
-// The loading lines of a complete run, in order.
-const char* const EXPECTED_TEXTURE_FILES[] = {
-    "gfx/title.png", "gfx/reticle.png", "gfx/reticle_glow.png", "gfx/star.png", "gfx/sky_top.png",
-    "gfx/sky_bottom.png", "gfx/sky_left.png", "gfx/sky_right.png", "gfx/sky_front.png", "gfx/sky_back.png",
-    "gfx/player_top.png", "gfx/player_mid.png", "gfx/player_bot.png", "gfx/player_glow_top.png",
-    "gfx/player_glow_bot.png", "gfx/slaser.png", "gfx/plasmabullet.png", "gfx/powerup_anim.png",
-    "gfx/powerup_glow_anim.png", "gfx/enemy_fighter.png", "gfx/enemy_fighter_glow.png", "gfx/enemy_fighter2.png",
-    "gfx/enemy_fighter2_glow.png", "gfx/enemy_hammerhead.png", "gfx/enemy_hammerhead_glow.png",
-    "gfx/enemy_hammerhead.png", "gfx/enemy_hammerhead_glow.png", "gfx/enemy_probe.png", "gfx/enemy_probe_glow.png",
-    "gfx/enemy_probe2.png", "gfx/enemy_probe2_glow.png", "gfx/enemy_probe3.png", "gfx/enemy_probe3_glow.png",
-    "gfx/hud_radar_dials.png", "gfx/hud_radar_mask.png", "gfx/hud_bars_mask.png", "gfx/hud_score.png",
-    "gfx/hud_power_dials.png"};
-const char* const EXPECTED_FONT_FILES[] = {"gfx/hugefont.png", "gfx/medfont.png", "gfx/smallfont.png",
-                                           "gfx/minifont.png"};
-
-std::string expectedOutput(const std::string& failing = "") {
-    std::string out = ":: loading resources...\n";
-    for (const char* f : EXPECTED_TEXTURE_FILES)
-        out += std::string("Loading texture ") + f + "... " + (failing == f ? "ERROR" : "OK") + "\n";
-    for (const char* f : EXPECTED_FONT_FILES)
-        out += std::string("Loading image ") + f + "... " + (failing == f ? "ERROR" : "OK") + "\n";
-    return out + ":: Generating procedural textures... :: All done.\n";
-}
 
 std::vector<uint32_t> texels(const Texture* t) {
     std::vector<uint32_t> out((size_t)t->width * t->height);
@@ -71,7 +51,7 @@ std::vector<Texture*> allTextures() {
 TEST_F(GLTest, ResourcesLoadReportsFortyTwoFilesOkInTableOrder) {
     testing::internal::CaptureStdout();
     Resources::load();
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), expectedOutput());
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), loadingLines());
 }
 
 TEST_F(GLTest, ResourcesLoadFillsEveryMember) {
@@ -132,17 +112,17 @@ TEST_F(GLTest, ResourcesMissingFileEndsItsLineInErrorAndLoadingGoesOn) {
     ASSERT_EQ(mkdir(gfx.c_str(), 0755), 0);
     char cwd[4096];
     ASSERT_NE(getcwd(cwd, sizeof cwd), nullptr);
-    for (const char* f : EXPECTED_TEXTURE_FILES)
+    for (const char* f : TEXTURE_FILES)
         if (std::string(f) != "gfx/star.png")
             symlink((std::string(cwd) + "/" + f).c_str(), (root + "/" + f).c_str());
-    for (const char* f : EXPECTED_FONT_FILES) symlink((std::string(cwd) + "/" + f).c_str(), (root + "/" + f).c_str());
+    for (const char* f : FONT_FILES) symlink((std::string(cwd) + "/" + f).c_str(), (root + "/" + f).c_str());
     ASSERT_EQ(chdir(dir), 0);
     testing::internal::CaptureStdout();
     Resources::load();
     std::string output = testing::internal::GetCapturedStdout();
     ASSERT_EQ(chdir(cwd), 0);
     EXPECT_EQ(system(("rm -rf " + root).c_str()), 0);
-    EXPECT_EQ(output, expectedOutput("gfx/star.png"));
+    EXPECT_EQ(output, loadingLines("gfx/star.png"));
     ASSERT_NE(Resources::star_tex, nullptr);
     EXPECT_EQ(Resources::star_tex->width, 0);
     EXPECT_GT(Resources::skybox_top_tex->width, 0);
