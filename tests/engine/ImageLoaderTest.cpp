@@ -64,7 +64,10 @@ std::string writeMagentaBmp() {
 
 } // namespace
 
-TEST_F(GLTest, ImageLoaderLoadKeepsEveryChannelIncludingAlpha) {
+// Tests run on a real GL context.
+class ImageLoaderGL : public GLTest {};
+
+TEST_F(ImageLoaderGL, LoadKeepsEveryChannelIncludingAlpha) {
     TempFile file(PNG_3X2, sizeof PNG_3X2);
     ImageLoader::lastError = 5;
     Surface* s = ImageLoader::load(file.path.c_str(), false);
@@ -73,25 +76,25 @@ TEST_F(GLTest, ImageLoaderLoadKeepsEveryChannelIncludingAlpha) {
     delete s;
 }
 
-TEST_F(GLTest, ImageLoaderLoadOfMissingFileGivesNullAndError2) {
+TEST_F(ImageLoaderGL, LoadOfMissingFileGivesNullAndError2) {
     EXPECT_EQ(ImageLoader::load("/nonexistent/none.png", false), nullptr);
     EXPECT_EQ(ImageLoader::lastError, 2);
 }
 
-TEST_F(GLTest, ImageLoaderLoadOfNonImageGivesNullAndError2) {
+TEST_F(ImageLoaderGL, LoadOfNonImageGivesNullAndError2) {
     const char text[] = "this is not an image, only some words\n";
     TempFile file(text, sizeof text - 1);
     EXPECT_EQ(ImageLoader::load(file.path.c_str(), false), nullptr);
     EXPECT_EQ(ImageLoader::lastError, 2);
 }
 
-TEST_F(GLTest, ImageLoaderLoadOfTruncatedPngGivesNullAndError2) {
+TEST_F(ImageLoaderGL, LoadOfTruncatedPngGivesNullAndError2) {
     TempFile file(PNG_3X2, 50);
     EXPECT_EQ(ImageLoader::load(file.path.c_str(), false), nullptr);
     EXPECT_EQ(ImageLoader::lastError, 2);
 }
 
-TEST_F(GLTest, ImageLoaderLoadBufDecodesMemoryAndLeavesErrorAsItWas) {
+TEST_F(ImageLoaderGL, LoadBufDecodesMemoryAndLeavesErrorAsItWas) {
     ImageLoader::lastError = 2;
     Surface* s = ImageLoader::loadBuf(PNG_3X2, sizeof PNG_3X2, false);
     expectPngPixels(s);
@@ -99,13 +102,13 @@ TEST_F(GLTest, ImageLoaderLoadBufDecodesMemoryAndLeavesErrorAsItWas) {
     delete s;
 }
 
-TEST_F(GLTest, ImageLoaderLoadBufOfTruncatedPngGivesNullAndError1) {
+TEST_F(ImageLoaderGL, LoadBufOfTruncatedPngGivesNullAndError1) {
     ImageLoader::lastError = 0;
     EXPECT_EQ(ImageLoader::loadBuf(PNG_3X2, 50, false), nullptr);
     EXPECT_EQ(ImageLoader::lastError, 1);
 }
 
-TEST_F(GLTest, ImageLoaderLoadTextureOfMissingFileGivesEmptyTextureAndError2) {
+TEST_F(ImageLoaderGL, LoadTextureOfMissingFileGivesEmptyTextureAndError2) {
     uint32_t before = Texture::usedMemory;
     Texture* t = ImageLoader::loadTexture("/nonexistent/none.png", false);
     ASSERT_NE(t, nullptr);
@@ -116,7 +119,7 @@ TEST_F(GLTest, ImageLoaderLoadTextureOfMissingFileGivesEmptyTextureAndError2) {
     delete t;
 }
 
-TEST_F(GLTest, ImageLoaderLoadTextureUploadsPaddedImage) {
+TEST_F(ImageLoaderGL, LoadTextureUploadsPaddedImage) {
     TempFile file(PNG_3X2, sizeof PNG_3X2);
     Texture* t = ImageLoader::loadTexture(file.path.c_str(), false);
     ASSERT_NE(t, nullptr);
@@ -133,7 +136,7 @@ TEST_F(GLTest, ImageLoaderLoadTextureUploadsPaddedImage) {
     delete t;
 }
 
-TEST_F(GLTest, ImageLoaderLoadBufTextureOfGarbageGivesEmptyTextureAndError1) {
+TEST_F(ImageLoaderGL, LoadBufTextureOfGarbageGivesEmptyTextureAndError1) {
     const char garbage[] = "\x89PNG but not really";
     Texture* t = ImageLoader::loadBufTexture(garbage, sizeof garbage, false);
     ASSERT_NE(t, nullptr);
@@ -142,7 +145,7 @@ TEST_F(GLTest, ImageLoaderLoadBufTextureOfGarbageGivesEmptyTextureAndError1) {
     delete t;
 }
 
-TEST_F(GLTest, ImageLoaderColorKeyTurnsEveryTopLeftColouredPixelTransparentBlack) {
+TEST_F(ImageLoaderGL, ColorKeyTurnsEveryTopLeftColouredPixelTransparentBlack) {
     std::string path = writeMagentaBmp();
     Surface* s = ImageLoader::load(path.c_str(), true);
     unlink(path.c_str());
@@ -155,7 +158,7 @@ TEST_F(GLTest, ImageLoaderColorKeyTurnsEveryTopLeftColouredPixelTransparentBlack
     delete s;
 }
 
-TEST_F(GLTest, ImageLoaderPrepareImageWithoutAlphaMakesEveryPixelOpaque) {
+TEST_F(ImageLoaderGL, PrepareImageWithoutAlphaMakesEveryPixelOpaque) {
     SDL_Surface* image = SDL_CreateRGBSurface(SDL_SWSURFACE, 2, 1, 32, 0xFF, 0xFF00, 0xFF0000, 0xFF000000);
     ((Uint32*)image->pixels)[0] = 0x00332211;
     ((Uint32*)image->pixels)[1] = 0x80665544;
@@ -165,7 +168,7 @@ TEST_F(GLTest, ImageLoaderPrepareImageWithoutAlphaMakesEveryPixelOpaque) {
     delete s;
 }
 
-TEST_F(GLTest, ImageLoaderPrepareImageReadsThroughTheSourceFormat) {
+TEST_F(ImageLoaderGL, PrepareImageReadsThroughTheSourceFormat) {
     // Blue in the low byte and no alpha channel: channels move to the engine's layout.
     SDL_Surface* image = SDL_CreateRGBSurface(SDL_SWSURFACE, 1, 1, 32, 0xFF0000, 0xFF00, 0xFF, 0);
     ((Uint32*)image->pixels)[0] = 0x00112233;

@@ -48,13 +48,16 @@ std::vector<Texture*> allTextures() {
 
 } // namespace
 
-TEST_F(GLTest, ResourcesLoadReportsFortyTwoFilesOkInTableOrder) {
+// Tests run on a real GL context.
+class ResourcesGL : public GLTest {};
+
+TEST_F(ResourcesGL, LoadReportsFortyTwoFilesOkInTableOrder) {
     testing::internal::CaptureStdout();
     Resources::load();
     EXPECT_EQ(testing::internal::GetCapturedStdout(), loadingLines());
 }
 
-TEST_F(GLTest, ResourcesLoadFillsEveryMember) {
+TEST_F(ResourcesGL, LoadFillsEveryMember) {
     Resources::load();
     for (Texture* t : allTextures()) {
         ASSERT_NE(t, nullptr);
@@ -67,7 +70,7 @@ TEST_F(GLTest, ResourcesLoadFillsEveryMember) {
     }
 }
 
-TEST_F(GLTest, ResourcesLoadCountsEveryTextureInUsedMemory) {
+TEST_F(ResourcesGL, LoadCountsEveryTextureInUsedMemory) {
     uint32_t before = Texture::usedMemory;
     Resources::load();
     uint32_t sum = 0;
@@ -77,7 +80,7 @@ TEST_F(GLTest, ResourcesLoadCountsEveryTextureInUsedMemory) {
     EXPECT_EQ(Texture::usedMemory - before, sum);
 }
 
-TEST_F(GLTest, ResourcesSecondHammerheadIsDistinctTextureWithSamePixels) {
+TEST_F(ResourcesGL, SecondHammerheadIsDistinctTextureWithSamePixels) {
     Resources::load();
     EXPECT_NE(Resources::enemy_hammerhead_tex, Resources::enemy_hammerhead2_tex);
     EXPECT_NE(Resources::enemy_hammerhead_tex->id, Resources::enemy_hammerhead2_tex->id);
@@ -86,7 +89,7 @@ TEST_F(GLTest, ResourcesSecondHammerheadIsDistinctTextureWithSamePixels) {
     EXPECT_EQ(texels(Resources::enemy_hammerhead_glow_tex), texels(Resources::enemy_hammerhead2_glow_tex));
 }
 
-TEST_F(GLTest, ResourcesGeneratedParticleDiscsAreOpaqueInsideAndClearOutside) {
+TEST_F(ResourcesGL, GeneratedParticleDiscsAreOpaqueInsideAndClearOutside) {
     Resources::load();
     ASSERT_EQ(Resources::proc_particle0_tex->width, 128);
     ASSERT_EQ(Resources::proc_particle1_tex->height, 128);
@@ -104,7 +107,7 @@ TEST_F(GLTest, ResourcesGeneratedParticleDiscsAreOpaqueInsideAndClearOutside) {
     EXPECT_EQ(alphaAt(small, 64 + 31, 64), 0u);
 }
 
-TEST_F(GLTest, ResourcesMissingFileEndsItsLineInErrorAndLoadingGoesOn) {
+TEST_F(ResourcesGL, MissingFileEndsItsLineInErrorAndLoadingGoesOn) {
     char dir[] = "/tmp/resourcesXXXXXX";
     ASSERT_NE(mkdtemp(dir), nullptr);
     std::string root = std::string(dir);
