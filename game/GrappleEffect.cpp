@@ -1,0 +1,5 @@
+#include "game/GrappleEffect.h"
+
+GrappleEffect::GrappleEffect() {}
+
+GrappleEffect::~GrappleEffect() {}

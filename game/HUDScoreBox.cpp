@@ -1,0 +1,40 @@
+#include "game/HUDScoreBox.h"
+
+#include "game/Game.h"
+#include "game/Main.h"
+#include "game/Resources.h"
+#include "game/ScoreCounter.h"
+#include "scene/Sprite.h"
+
+namespace {
+
+const float FRAME_SCALE = 0.5f;
+
+// Takes the first occurrence of `actor` off g_game's actors by swapping in the last entry;
+// nothing when there is no game or the actor is not listed.
+void removeFromActors(Actor* actor) {
+    if (!g_game) return;
+    orvel::Stack<Actor*>& actors = g_game->actors;
+    for (unsigned i = 0; i < actors.count; ++i) {
+        if (actors.data[i] == actor) {
+            actors.data[i] = actors.data[actors.count - 1];
+            --actors.count;
+            return;
+        }
+    }
+}
+
+} // namespace
+
+HUD_ScoreBox::HUD_ScoreBox() {
+    frame = new Sprite(Resources::hud_score_tex, -1, -1);
+    frame->setScale(FRAME_SCALE);
+    counter = new ScoreCounter();
+    add(frame);
+}
+
+HUD_ScoreBox::~HUD_ScoreBox() {
+    removeFromActors(counter);
+    delete counter;
+    delete frame;
+}

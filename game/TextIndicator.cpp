@@ -1,0 +1,40 @@
+#include "game/TextIndicator.h"
+
+#include "engine/Orvel.h"
+#include "game/Game.h"
+#include "game/Main.h"
+#include "game/Resources.h"
+#include "scene/Text.h"
+
+using orvel::Orvel;
+
+float TextIndicator::speed = 35.0f;
+uint32_t TextIndicator::lifeTime = 2750;
+
+TextIndicator::TextIndicator() : text(new Text(Resources::font_medium, nullptr)), startTime(0) {
+    text->color = orvel::vec4(1.0f, 1.0f, 1.0f, 1.0f);
+    text->fontSize = 16.0f;
+    text->setHotSpot(Center);
+    drawable = text;
+}
+
+TextIndicator::~TextIndicator() {
+    if (g_game) {
+        orvel::Stack<Actor*>& actors = g_game->actors;
+        for (unsigned i = 0; i < actors.count; ++i) {
+            if (actors.data[i] == this) {
+                actors.data[i] = actors.data[--actors.count];
+                break;
+            }
+        }
+    }
+    delete text;
+}
+
+void TextIndicator::update() {
+    position.y -= speed * Orvel::sync;
+    text->color.w = 1.0f - (float)(Orvel::currentTime - startTime) / (float)lifeTime;
+    syncDrawable();
+    // Unsigned: a start time near the top of the clock's range wraps like the clock does.
+    if (Orvel::currentTime > (uint32_t)(startTime + lifeTime)) delete this;
+}

@@ -1,0 +1,151 @@
+#include "game/Weapon.h"
+
+#include <algorithm>
+
+#include "engine/Math.h"
+#include "engine/Orvel.h"
+#include "engine/Stack.h"
+#include "game/Enemy.h"
+#include "game/Friend.h"
+#include "game/Game.h"
+#include "game/Main.h"
+#include "scene/Scene2D.h"
+
+using orvel::Math;
+using orvel::Orvel;
+using orvel::Stack;
+using orvel::vec2;
+
+namespace {
+
+const hit_struct NO_HIT = {nullptr, vec2()};
+
+// Squared distance from q to the nearest point of the box [minX, maxX] x [minY, maxY].
+float boxDistanceSquared(const vec2& q, float minX, float maxX, float minY, float maxY) {
+    const float dx = Math::clampf(q.x, minX, maxX) - q.x;
+    const float dy = Math::clampf(q.y, minY, maxY) - q.y;
+    return dx * dx + dy * dy;
+}
+
+// The candidate's own result: where the ray enters its circle, or no hit when the line
+// passes outside it.
+bool narrowPhase(const hit_struct& candidate, const vec2& from, const vec2& to, hit_struct& result) {
+    const float r = candidate.actor->radius;
+    if (!(Math::distanceTo(from, to, candidate.point) < r)) return false;
+    result.actor = candidate.actor;
+    result.point = Math::getNearIntersectPoint(from, to, candidate.point, r);
+    return true;
+}
+
+// Stable insertion sort by key: each element goes after every earlier one with an equal or
+// smaller key (found by binary search), moved there by adjacent swaps of hit and key together.
+void sortByKey(Stack<hit_struct>& hits, Stack<float>& keys) {
+    for (unsigned i = 1; i < hits.count; ++i) {
+        const float key = keys.data[i];
+        unsigned lo = 0;
+        unsigned hi = i;
+        while (lo < hi) {
+            const unsigned mid = (lo + hi) / 2;
+            if (keys.data[mid] <= key)
+                lo = mid + 1;
+            else
+                hi = mid;
+        }
+        for (unsigned j = i; j > lo; --j) {
+            std::swap(keys.data[j], keys.data[j - 1]);
+            std::swap(hits.data[j], hits.data[j - 1]);
+        }
+    }
+}
+
+} // namespace
+
+template <typename T>
+hit_struct findHitAmong(const Stack<T*>& targets, const vec2& from, const vec2& to) {
+    // Scratch memory for every call; grows by doubling past 64 candidates and is never freed.
+    static Stack<hit_struct> hits(64);
+    static Stack<float> distances(64);
+    static Stack<vec2> p(128);
+    hits.clear();
+    distances.clear();
+
+    const float minX = std::min(from.x, to.x);
+    const float maxX = std::max(from.x, to.x);
+    const float minY = std::min(from.y, to.y);
+    const float maxY = std::max(from.y, to.y);
+    const float W = g_world ? g_world->worldWidth : 0.0f;
+    const float H = g_world ? g_world->worldHeight : 0.0f;
+    if (targets.count == 0) return NO_HIT;
+
+    // Broad phase: the first of the nine copies whose circle reaches the segment's box.
+    for (unsigned i = 0; i < targets.count; ++i) {
+        Actor* actor = targets.data[i];
+        const float x = actor->position.x;
+        const float y = actor->position.y;
+        p.clear();
+        p.push(vec2(x, y));
+        p.push(vec2(x + W, y));
+        p.push(vec2(x - W, y));
+        p.push(vec2(x, y + H));
+        p.push(vec2(x, y - H));
+        p.push(vec2(x + W, y + H));
+        p.push(vec2(x + W, y - H));
+        p.push(vec2(x - W, y + H));
+        p.push(vec2(x - W, y - H));
+        const float r2 = actor->radius * actor->radius;
+        for (unsigned k = 0; k < p.count; ++k) {
+            if (boxDistanceSquared(p.data[k], minX, maxX, minY, maxY) < r2) {
+                hits.push(hit_struct{actor, p.data[k]});
+                break;
+            }
+        }
+    }
+
+    hit_struct result = NO_HIT;
+    if (hits.count == 0) return result;
+    if (hits.count == 1) {
+        narrowPhase(hits.data[0], from, to, result);
+        return result;
+    }
+
+    // Narrow phase in order of distance from `from`; candidates the line misses are skipped.
+    for (unsigned i = 0; i < hits.count; ++i) {
+        const float dx = hits.data[i].point.x - from.x;
+        const float dy = hits.data[i].point.y - from.y;
+        distances.push(dx * dx + dy * dy);
+    }
+    sortByKey(hits, distances);
+    for (unsigned i = 0; i < hits.count; ++i) {
+        if (narrowPhase(hits.data[i], from, to, result)) return result;
+    }
+    return NO_HIT;
+}
+
+template hit_struct findHitAmong<Enemy>(const Stack<Enemy*>&, const vec2&, const vec2&);
+template hit_struct findHitAmong<Friend>(const Stack<Friend*>&, const vec2&, const vec2&);
+
+Weapon::Weapon()
+    : enabled(1), damageMin(0.0f), damageMax(0.0f), rate(0.0f), energyCost(0.0f), lastShot(0.0f) {}
+
+Weapon::~Weapon() {}
+
+float Weapon::shoot(const vec2&) {
+    if (rate == 0.0f) return 0.0f;
+    const float now = (float)Orvel::currentTime;
+    if (rate == -1.0f) {
+        lastShot = now;
+        return energyCost;
+    }
+    if (now - lastShot >= 1000.0f / rate) {
+        lastShot = now;
+        return energyCost;
+    }
+    return 0.0f;
+}
+
+hit_struct Weapon::findHit(const vec2& from, const vec2& to, float) {
+    if (!g_game) return NO_HIT;
+    return findHitAmong(g_game->enemies, from, to);
+}
+
+void Weapon::update() {}

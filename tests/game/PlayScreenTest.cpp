@@ -1,0 +1,158 @@
+// A frame of play with the whole HUD: a real game session stepped into its first wave, the
+// radar and gauges in their boxes, drawn world first, then the HUD.
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "engine/Orvel.h"
+#include "game/EnergyGauges.h"
+#include "game/Game.h"
+#include "game/HUDRadarBox.h"
+#include "game/HUDWeaponBox.h"
+#include "game/Player.h"
+#include "game/Powerup.h"
+#include "game/Enemy.h"
+#include "game/RadarDisplay.h"
+#include "game/Reticle.h"
+#include "game/ScoreCounter.h"
+#include "scene/Text.h"
+#include "tests/game/HudFixture.h"
+
+using orvel::Orvel;
+using testing_support::HudScene;
+
+namespace {
+
+class PlayScreen : public HudScene {
+protected:
+    void SetUp() override {
+        HudScene::SetUp();
+        g_rand.init(5);
+        Orvel::currentTime = 1000;
+        Orvel::sync = 0.016f;
+        g_game = new Game();
+        g_game->init();
+        radar = new RadarDisplay();
+        g_game->radarBox->add(radar);
+        gauges = new EnergyGauges();
+        g_game->weaponBox->add(gauges);
+    }
+    void TearDown() override {
+        // The session's objects go with the process; the roots are unlinked from them first.
+        g_world->clear();
+        g_hud->clear();
+        g_game = nullptr;
+        HudScene::TearDown();
+    }
+
+    // Steps the game from the current time up to `until` in 16 ms frames, mouse at (mx, my).
+    static void playUntil(uint32_t until, int mx, int my) {
+        while (Orvel::currentTime < until) {
+            Orvel::currentTime += 16;
+            setMouse(mx, my);
+            g_game->update();
+        }
+    }
+
+    static void drawFrame() {
+        glClearColor(0, 0, 0, 0);
+        glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
+        g_world->draw();
+        g_hud->draw();
+    }
+
+    // Writes the screen as a binary PPM when NIGHTVECTOR_PLAY_SHOT names a file: a picture
+    // for people, not part of any check.
+    static void saveIfAsked(const Pixels& p) {
+        const char* path = std::getenv("NIGHTVECTOR_PLAY_SHOT");
+        if (!path) return;
+        FILE* f = std::fopen(path, "wb");
+        if (!f) return;
+        std::fprintf(f, "P6\n%d %d\n255\n", p.width, p.height);
+        for (int y = 0; y < p.height; ++y) {
+            for (int x = 0; x < p.width; ++x) {
+                uint32_t c = p.at(x, y);
+                unsigned char rgb[3] = {red(c), green(c), blue(c)};
+                std::fwrite(rgb, 1, 3, f);
+            }
+        }
+        std::fclose(f);
+    }
+
+    RadarDisplay* radar = nullptr;
+    EnergyGauges* gauges = nullptr;
+};
+
+} // namespace
+
+TEST_F(PlayScreen, TheFirstWaveShowsOnTheRadarWhileTheScoreRolls) {
+    playUntil(6600, 900, 260);
+    ASSERT_GT(g_game->enemies.count, 0u);
+    g_game->scoreCounter->addValue(55);
+    playUntil(6616, 900, 260);
+    g_game->scoreCounter->addValue(55);
+    playUntil(6800, 900, 260);
+    drawFrame();
+    Pixels p = readScreen();
+    saveIfAsked(p);
+
+    // The radar gathered every enemy of the wave.
+    EXPECT_EQ(radar->blips.count, g_game->enemies.count + g_game->powerups.count);
+    // Some enemy blips are lit on the dial.
+    int enemyPixels = 0;
+    for (int y = 480; y < 705; ++y) {
+        for (int x = 1040; x < 1265; ++x) {
+            uint32_t c = p.at(x, y);
+            if (red(c) >= 250 && green(c) >= 66 && green(c) <= 74 && blue(c) >= 56 && blue(c) <= 64)
+                ++enemyPixels;
+        }
+    }
+    EXPECT_GT(enemyPixels, 0);
+    // The counter is mid-roll: it shows less than the score.
+    int shown = std::atoi(g_game->scoreCounter->text->text.getCString());
+    EXPECT_EQ(g_game->scoreCounter->value, 110);
+    EXPECT_LT(shown, 110);
+    EXPECT_GT(shown, 0);
+    // The gauges read the player's energy and hull.
+    EXPECT_EQ(gauges->maxEnergy, g_game->player->maxEnergy);
+    EXPECT_EQ(gauges->hull, g_game->player->hull);
+    // The reticle is under the mouse.
+    EXPECT_FLOAT_EQ(g_game->reticle->position.x, 900.0f);
+    EXPECT_FLOAT_EQ(g_game->reticle->position.y, 260.0f);
+}
+
+TEST_F(PlayScreen, TheRadarPlacesEveryEnemyAndPowerupAroundTheShip) {
+    g_game->player->position = orvel::vec2(100, 100);
+    g_game->nextWave();
+    ASSERT_GE(g_game->enemies.count, 2u);
+    g_game->enemies.data[0]->position = orvel::vec2(1124, 100);
+    g_game->enemies.data[1]->position = orvel::vec2(4000, 100);
+    Powerup* powerup = new Powerup();
+    powerup->position = orvel::vec2(100, 4000);
+    g_game->powerups.push(powerup);
+    radar->gather();
+
+    ASSERT_EQ(radar->blips.count, g_game->enemies.count + 1);
+    EXPECT_EQ(radar->worldSize.x, 4096.0f);
+    EXPECT_FLOAT_EQ(radar->blips.data[0].dx, 1024.0f);
+    EXPECT_FLOAT_EQ(radar->blips.data[0].dy, 0.0f);
+    EXPECT_EQ(radar->blips.data[0].kind, RadarDisplay::BLIP_ENEMY);
+    EXPECT_FLOAT_EQ(radar->blips.data[1].dx, -196.0f);
+    EXPECT_FLOAT_EQ(radar->blips.data[1].dy, 0.0f);
+    const RadarDisplay::Blip& last = radar->blips.data[radar->blips.count - 1];
+    EXPECT_FLOAT_EQ(last.dx, 0.0f);
+    EXPECT_FLOAT_EQ(last.dy, -196.0f);
+    EXPECT_EQ(last.kind, RadarDisplay::BLIP_POWERUP);
+
+    // The HUD alone: 56.5 pixels right of the dial's centre (1152, 592), 10.8 left of it, and
+    // 10.8 above it.
+    drawHud();
+    Pixels p = readScreen();
+    EXPECT_NEAR(red(p.at(1208, 592)), 255, 1);
+    EXPECT_NEAR(green(p.at(1208, 592)), 70, 1);
+    EXPECT_NEAR(red(p.at(1141, 592)), 255, 1);
+    EXPECT_NEAR(blue(p.at(1141, 592)), 60, 1);
+    EXPECT_NEAR(red(p.at(1152, 581)), 90, 1);
+    EXPECT_NEAR(green(p.at(1152, 581)), 255, 1);
+}

@@ -1,0 +1,65 @@
+// The starfield's batching: stars go to GL 128 at a time, so 512 stars take four draw calls.
+// glDrawArrays is wrapped at link time to count the calls and the vertices of each.
+
+#include "game/Starfield.h"
+
+#include <vector>
+
+#include "engine/Matrix.h"
+#include "engine/Orvel.h"
+#include "tests/game/HudFixture.h"
+
+using testing_support::HudScene;
+
+namespace {
+
+std::vector<GLsizei> drawnCounts;
+bool counting = false;
+
+class StarfieldBatch : public HudScene {
+protected:
+    void SetUp() override {
+        HudScene::SetUp();
+        projection = orvel::mat4::createOrthoMatrix(-640, 640, -360, 360, -10, 10);
+        state.projection2D = &projection;
+        state.projection3D = &projection;
+        state.color = Color4ub{255, 255, 255, 255};
+        state.viewRects = nullptr;
+    }
+
+    // The vertex counts of the draw calls one stars-only draw() makes.
+    std::vector<GLsizei> drawCallsFor(int stars) {
+        Starfield sf(stars);
+        sf.skyOn = 0;
+        drawnCounts.clear();
+        counting = true;
+        sf.draw(state);
+        counting = false;
+        return drawnCounts;
+    }
+
+    orvel::mat4 projection;
+    SceneState state;
+};
+
+} // namespace
+
+extern "C" {
+void __real_glDrawArrays(GLenum mode, GLint first, GLsizei count);
+void __wrap_glDrawArrays(GLenum mode, GLint first, GLsizei count) {
+    if (counting) drawnCounts.push_back(count);
+    __real_glDrawArrays(mode, first, count);
+}
+}
+
+TEST_F(StarfieldBatch, FiveHundredTwelveStarsTakeFourDrawCallsOf128Stars) {
+    EXPECT_EQ(drawCallsFor(512), (std::vector<GLsizei>{512, 512, 512, 512}));
+}
+
+TEST_F(StarfieldBatch, TheRemainderIsDrawnAtTheEnd) {
+    EXPECT_EQ(drawCallsFor(300), (std::vector<GLsizei>{512, 512, 176}));
+}
+
+TEST_F(StarfieldBatch, AFewStarsTakeOneDrawCall) {
+    EXPECT_EQ(drawCallsFor(5), (std::vector<GLsizei>{20}));
+}

@@ -1,0 +1,117 @@
+// Drawing of plasma shots and laser beams through the world scene, read back from the window.
+// The default camera at (640, 360) with zoom 1 shows world point (x, y) at pixel (x, y).
+
+#include "game/Laser.h"
+#include "game/Plasma.h"
+#include "tests/game/CombatFixture.h"
+
+using namespace combat_testing;
+using orvel::vec2;
+using orvel::vec3;
+
+namespace {
+
+class WeaponDraw : public CombatTest {
+protected:
+    WeaponDraw() { reloadResources = true; }
+
+    void SetUp() override {
+        CombatTest::SetUp();
+        g_world->debugDraw = false;
+    }
+
+    static void render() {
+        glClearColor(0, 0, 0, 0);
+        glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
+        g_world->draw();
+    }
+
+    // Red, green and blue of a packed pixel.
+    static int r(uint32_t c) { return (int)(c & 0xff); }
+    static int g(uint32_t c) { return (int)((c >> 8) & 0xff); }
+    static int b(uint32_t c) { return (int)((c >> 16) & 0xff); }
+};
+
+} // namespace
+
+TEST_F(WeaponDraw, PlasmaShotSingleDrawShowsItsColour) {
+    Plasma* gun = new Plasma();
+    gun->overdraw = 1;
+    gun->position = vec3(640, 360, 0);
+    g_world->add(gun);
+    gun->shoot(vec2(1, 0));
+    render();
+    Pixels px = readScreen();
+    // The bullet image is opaque white in its middle: one additive draw of (128, 113, 255).
+    const uint32_t c = px.at(640, 360);
+    EXPECT_NEAR(r(c), 128, 1);
+    EXPECT_NEAR(g(c), 113, 1);
+    EXPECT_NEAR(b(c), 255, 1);
+    // The square's half side is 16: nothing 20 pixels away.
+    EXPECT_EQ(px.at(661, 360) & 0xffffff, 0u);
+    EXPECT_EQ(px.at(640, 381) & 0xffffff, 0u);
+}
+
+TEST_F(WeaponDraw, PlasmaOverdrawAddsUp) {
+    Plasma* gun = new Plasma();
+    gun->position = vec3(640, 360, 0);
+    g_world->add(gun);
+    gun->shoot(vec2(1, 0));
+    render();
+    // Three additive draws: 384, 339 and 765 saturate to white.
+    const uint32_t c = readScreen().at(640, 360);
+    EXPECT_EQ(r(c), 255);
+    EXPECT_EQ(g(c), 255);
+    EXPECT_EQ(b(c), 255);
+}
+
+TEST_F(WeaponDraw, LaserBeamBodySingleDraw) {
+    Laser* laser = new Laser();
+    laser->overdraw = 0;
+    laser->position = vec3(640, 360, 0);
+    g_world->add(laser);
+    setInput(0, 1000, 360);
+    laser->shoot(vec2(0, 0));
+    laser->update();
+    render();
+    Pixels px = readScreen();
+    // Beam from (640, 360) to (1920, 360), 7 to each side; at x = 900 only the body covers the
+    // pixel (the muzzle glow reaches 640 + 20 x 7 = 780). The image is white along its middle,
+    // so one draw adds (76, 76, 255) x a with a = 224 / 255 into the world's target, whose alpha
+    // becomes a x a. The copy to the screen blends by that alpha: (76, 76, 255) x a^3, with
+    // a^3 = 0.6778, gives (51.5, 51.5, 172.8).
+    const uint32_t c = px.at(900, 360);
+    EXPECT_NEAR(r(c), 51.5, 1);
+    EXPECT_NEAR(g(c), 51.5, 1);
+    EXPECT_NEAR(b(c), 172.8, 1);
+    EXPECT_EQ(px.at(900, 370) & 0xffffff, 0u);
+    EXPECT_EQ(px.at(900, 350) & 0xffffff, 0u);
+}
+
+TEST_F(WeaponDraw, LaserBeamFiveAdditiveDraws) {
+    Laser* laser = new Laser();
+    laser->position = vec3(640, 360, 0);
+    g_world->add(laser);
+    setInput(0, 1000, 360);
+    laser->shoot(vec2(0, 0));
+    laser->update();
+    render();
+    // overdraw + 1 = 5 draws: 334 and 1120 saturate.
+    const uint32_t c = readScreen().at(900, 360);
+    EXPECT_EQ(r(c), 255);
+    EXPECT_EQ(g(c), 255);
+    EXPECT_EQ(b(c), 255);
+}
+
+TEST_F(WeaponDraw, DeadBeamDrawsNothing) {
+    Laser* laser = new Laser();
+    laser->position = vec3(640, 360, 0);
+    g_world->add(laser);
+    setInput(0, 1000, 360);
+    laser->shoot(vec2(0, 0));
+    laser->update();
+    setTime(START + 650);
+    render();
+    EXPECT_EQ(readScreen().at(900, 360) & 0xffffff, 0u);
+    EXPECT_EQ(readScreen().at(640, 360) & 0xffffff, 0u);
+}
