@@ -1,7 +1,8 @@
-# Nightvector: `make run` builds and starts the game, `make test` runs the whole suite.
-# Both install the Debian packages they need first.
+# Nightvector: `make run` builds and starts the game, `make test` runs the whole suite,
+# `make bench` measures frames. All install the Debian packages they need first.
 
 BUILD_DIR  ?= build
+BENCH_DIR  ?= build-bench
 BUILD_TYPE ?= RelWithDebInfo
 JOBS       ?= $(shell nproc)
 
@@ -9,7 +10,7 @@ BUILD_PACKAGES := g++ make cmake pkg-config libsdl1.2-dev libsdl-image1.2-dev li
 TEST_PACKAGES  := libgtest-dev libbenchmark-dev xvfb xdotool libgl1-mesa-dri python3 python3-pil python3-numpy python3-soundfile fonts-dejavu-core
 ASSET_PACKAGES := python3 python3-pil python3-numpy python3-soundfile fonts-dejavu-core
 
-.PHONY: all build run test assets build-deps test-deps asset-deps clean
+.PHONY: all build run test bench assets build-deps test-deps asset-deps clean
 
 all: build
 
@@ -35,10 +36,18 @@ run: build-deps
 	./$(BUILD_DIR)/nightvector
 
 # GL tests start a private Xvfb server (1280x720x24) each; see tests/xvfb-exec.
+# The benchmarks are built too, so that the suite proves they compile; `make bench` runs them.
 test: test-deps
-	$(call configure,-DNIGHTVECTOR_TESTS=ON)
+	$(call configure,-DNIGHTVECTOR_TESTS=ON -DNIGHTVECTOR_BENCH=ON)
 	cmake --build $(BUILD_DIR) -j $(JOBS)
 	cd $(BUILD_DIR) && ctest --output-on-failure -j $(JOBS)
+
+# A Release build of its own, run from the repository root (the game reads gfx/ and shaders/
+# there) on a private Xvfb server; prints one table.
+bench: test-deps
+	cmake -S . -B $(BENCH_DIR) -DCMAKE_BUILD_TYPE=Release -DNIGHTVECTOR_BENCH=ON
+	cmake --build $(BENCH_DIR) -j $(JOBS) --target frame_bench
+	tests/xvfb-exec ./$(BENCH_DIR)/bench/frame_bench
 
 assets: asset-deps
 	/usr/bin/python3 tools/make_assets.py

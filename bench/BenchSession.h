@@ -1,0 +1,47 @@
+#pragma once
+// A game session for the benchmarks: a seeded game brought to a wave and played by a script at
+// 60 frames per second, the ship over the densest part of the swarm.
+
+#include <cstdint>
+
+class Enemy;
+
+// One session at a time: it sets the globals g_world, g_hud, g_fader and g_game. The window
+// must be open and the art loaded first (openWindow).
+class BenchSession {
+public:
+    // Frames the scenarios run before anything is measured.
+    static const int WARM_UP_FRAMES = 120;
+    // The first frame's clock, ms of Orvel::currentTime.
+    static const uint32_t START = 100000;
+
+    // Opens the 1280x720 window, windowed and without vertical sync, and loads the art.
+    // Once per process.
+    static void openWindow();
+
+    // Fresh scene roots, fader and game, g_rand and the particle random seeded, the game at
+    // wave `wave` with that wave's enemies alone, the ship moved to where they are densest.
+    explicit BenchSession(int wave);
+    // Unlinks the scene roots. The session's objects stay allocated: nothing draws them again.
+    ~BenchSession();
+    BenchSession(const BenchSession&) = delete;
+    BenchSession& operator=(const BenchSession&) = delete;
+
+    // Clock and input of the next frame: the ship's hull and energy refilled so it lives and
+    // both weapons fire, both mouse buttons held, the pointer on the densest enemies in view.
+    void prepareFrame();
+    // The game logic of one frame.
+    void logic();
+    // One whole frame as the main loop runs it: clear, world, HUD, fader, logic, then glFinish
+    // so the drawing is done when the call returns.
+    void fullFrame();
+
+    // Explosion particles alive at the current clock.
+    int liveExplosionParticles() const;
+
+    int frame; // frames prepared so far
+
+private:
+    // The enemy within a screen of the ship with the most others near it; null when none.
+    Enemy* densestEnemyInView() const;
+};
