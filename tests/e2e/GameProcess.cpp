@@ -141,14 +141,20 @@ void GameProcess::pressKey(const std::string& key) { xdriver::xdotool("keydown "
 void GameProcess::releaseKey(const std::string& key) { xdriver::xdotool("keyup " + key); }
 
 void GameProcess::tapKey(const std::string& key) {
+    // Held over several frames: the game samples the keys once a frame, and a software-rendered
+    // frame on a loaded machine can be long.
     pressKey(key);
-    pause(150);
+    pause(400);
     releaseKey(key);
     pause(50);
 }
 
 void GameProcess::pressButton(int button) { xdriver::xdotool("mousedown " + std::to_string(button)); }
 void GameProcess::releaseButton(int button) { xdriver::xdotool("mouseup " + std::to_string(button)); }
+
+void GameProcess::moveMouse(int x, int y) {
+    xdriver::xdotool("mousemove " + std::to_string(x) + " " + std::to_string(y));
+}
 
 unsigned long GameProcess::window() {
     std::string ids = run(std::string("xdotool search --name \"^") + CAPTION + "$\" 2>/dev/null");

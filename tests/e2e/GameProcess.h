@@ -52,6 +52,8 @@ public:
     void releaseKey(const std::string& key);
     void pressButton(int button);
     void releaseButton(int button);
+    // Moves the pointer to (x, y) on the screen, which the game's window covers from its top left.
+    void moveMouse(int x, int y);
     // The game's top-level X window, found by its caption; 0 when there is none.
     unsigned long window();
     // Takes a screenshot with F1 and waits for the file `name` to be complete.
