@@ -71,7 +71,7 @@ ShaderProgram* GfxUtil::loadShaderFromDisk(const char* dir, const char* name) {
             text.append(chunk);
         }
         std::fclose(file);
-        stages[i] = new Shader(codes[i], text.getCString(), (int)text.length());
+        stages[i] = new Shader(codes[i], text.getCString(), (int)text.length(), paths[i].getCString());
     }
 
     ShaderProgram* program = new ShaderProgram();

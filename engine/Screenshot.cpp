@@ -1,8 +1,11 @@
 #include "engine/Screenshot.h"
 
+#include <cerrno>
+#include <cstdio>
 #include <cstring>
 
 #include <SDL/SDL.h>
+#include <sys/stat.h>
 
 #include "engine/Color.h"
 #include "engine/GL.h"
@@ -25,6 +28,31 @@ GLenum shownFrameBuffer() {
     return buffer;
 }
 
+void reportFailure(const char* filename, const char* reason) {
+    fprintf(stderr, "Could not write %s: %s\n", filename, reason);
+}
+
+// Writes `image` as a BMP file; a failure is reported in one line. A half-written regular file is
+// removed, as it would only look like a broken picture; links and devices are left alone.
+void writeBmp(SDL_Surface* image, const char* filename) {
+    // Our own stream rather than SDL_RWFromFile, so the system's reason for a failure is known.
+    FILE* file = fopen(filename, "wb");
+    if (!file) {
+        reportFailure(filename, strerror(errno));
+        return;
+    }
+    // SDL 1.2 judges the save by whether its error text is empty, so no older error may count.
+    SDL_ClearError();
+    SDL_RWops* stream = SDL_RWFromFP(file, 0);
+    bool isSaved = stream && SDL_SaveBMP_RW(image, stream, 1) == 0;
+    int error = ferror(file) ? errno : 0;
+    if (fclose(file) != 0 && !error) error = errno;
+    if (isSaved && !error) return;
+    struct stat written;
+    if (lstat(filename, &written) == 0 && S_ISREG(written.st_mode)) remove(filename);
+    reportFailure(filename, error ? strerror(error) : SDL_GetError());
+}
+
 } // namespace
 
 void Screenshot::saveScreenshot(const char* filename) {
@@ -33,6 +61,7 @@ void Screenshot::saveScreenshot(const char* filename) {
     SDL_Surface* image = SDL_CreateRGBSurface(SDL_SWSURFACE, w, h, 32, Color::rmask, Color::gmask, Color::bmask, 0);
     SDL_Surface* frame = SDL_CreateRGBSurface(SDL_SWSURFACE, w, h, 32, Color::rmask, Color::gmask, Color::bmask, 0);
     if (!image || !frame) {
+        reportFailure(filename, SDL_GetError());
         SDL_FreeSurface(image);
         SDL_FreeSurface(frame);
         return;
@@ -47,7 +76,7 @@ void Screenshot::saveScreenshot(const char* filename) {
     Uint8* dst = static_cast<Uint8*>(image->pixels);
     for (int y = 0; y < h; ++y) memcpy(dst + y * image->pitch, src + (h - 1 - y) * frame->pitch, w * 4);
 
-    if (SDL_RWops* file = SDL_RWFromFile(filename, "wb")) SDL_SaveBMP_RW(image, file, 1);
+    writeBmp(image, filename);
     SDL_FreeSurface(image);
     SDL_FreeSurface(frame);
 }

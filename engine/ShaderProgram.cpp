@@ -1,5 +1,8 @@
 #include "engine/ShaderProgram.h"
 
+#include <cstdio>
+#include <cstring>
+
 #include "engine/GL.h"
 #include "engine/Shader.h"
 
@@ -14,6 +17,15 @@ const char* DEFAULT_VERTEX_SOURCE =
     "void main() { gl_TexCoord[0] = gl_MultiTexCoord0; gl_FrontColor = gl_Color; gl_BackColor = gl_Color; "
     "gl_Position = ftransform(); }";
 const char* DEFAULT_FRAGMENT_SOURCE = "void main() { gl_FragColor = gl_Color; }";
+
+// One line for a program that did not link: the first line of GL's log says why.
+void reportLinkFailure(unsigned id) {
+    const int LOG_SIZE = 512;
+    char log[LOG_SIZE] = "";
+    glGetProgramInfoLog(id, LOG_SIZE, nullptr, log);
+    log[strcspn(log, "\r\n")] = 0;
+    fprintf(stderr, "Could not link shader program %u: %s\n", id, log[0] ? log : "no reason given");
+}
 
 } // namespace
 
@@ -34,7 +46,7 @@ ShaderProgram::~ShaderProgram() {
 }
 
 void ShaderProgram::attach(Shader* s) {
-    if (!s) return;
+    if (!s || !s->isCompiled()) return;
     switch (s->type) {
     case Shader::FRAGMENT: fragment = s; break;
     case Shader::GEOMETRY: geometry = s; break;
@@ -48,6 +60,9 @@ void ShaderProgram::link() {
     if (!vertex) glAttachShader(id, default_vs->id);
     if (!fragment) glAttachShader(id, default_fs->id);
     glLinkProgram(id);
+    GLint status = GL_FALSE;
+    glGetProgramiv(id, GL_LINK_STATUS, &status);
+    if (status != GL_TRUE) reportLinkFailure(id);
 }
 
 void ShaderProgram::bind() const {

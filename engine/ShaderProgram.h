@@ -20,11 +20,12 @@ public:
     ShaderProgram& operator=(const ShaderProgram&) = delete;
 
     // Attaches `s` and records it by its stage; null does nothing, and a stage of an unknown
-    // code is attached without being recorded.
+    // code is attached without being recorded. A stage that did not compile (it has said so)
+    // is left out, so that link() puts the default in its place.
     void attach(Shader* s);
     // Attaches default_vs and default_fs where no vertex or fragment stage is recorded, then
-    // links. The defaults are not recorded; there is no default geometry stage. The link
-    // status is not read.
+    // links. The defaults are not recorded; there is no default geometry stage. A failed link
+    // is reported in one line on standard error, "Could not link shader program <id>: <reason>".
     void link();
 
     void bind() const;   // glUseProgram(id)

@@ -125,9 +125,15 @@ Apology::Apology() : lines(128) {
 }
 
 void loadMusic() {
+    const char* path = "sfx/music1.ogg";
     SDL_InitSubSystem(SDL_INIT_AUDIO);
-    Mix_OpenAudio(44100, AUDIO_S16LSB, 1, 65536);
-    music = Mix_LoadMUS("sfx/music1.ogg");
+    // Without a device nothing could play the track, so it is not loaded at all.
+    if (Mix_OpenAudio(44100, AUDIO_S16LSB, 1, 65536) != 0) {
+        fprintf(stderr, "Could not open audio: %s\n", Mix_GetError());
+        return;
+    }
+    music = Mix_LoadMUS(path);
+    if (!music) fprintf(stderr, "Could not load %s: %s\n", path, Mix_GetError());
 }
 
 void startUp() {

@@ -44,8 +44,9 @@ public:
 // The intro screen while it is shown; null once the game has started.
 extern Apology* g_apology;
 
-// Opens audio (44.1 kHz, 16-bit, mono) and loads the music. Nothing is checked: a missing file or
-// device leaves the game silent.
+// Opens audio (44.1 kHz, 16-bit, mono) and loads the music. A missing device or a track that will
+// not load leaves the game silent, with one line on standard error ("Could not open audio: ..."
+// or "Could not load sfx/music1.ogg: ...").
 void loadMusic();
 
 // Start-up: window, resources, scene roots, fader, intro screen, music, memory report.

@@ -3,6 +3,7 @@
 #include <string>
 
 #include <SDL/SDL.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "tests/GLFixture.h"
@@ -43,6 +44,13 @@ Uint32 bmpPixel(SDL_Surface* s, int x, int y) {
 
 class ScreenshotTest : public GLTest, public ::testing::WithParamInterface<std::pair<int, int>> {};
 
+// What a call wrote on standard error.
+template <typename Call> std::string errorsOf(Call call) {
+    testing::internal::CaptureStderr();
+    call();
+    return testing::internal::GetCapturedStderr();
+}
+
 } // namespace
 
 TEST_P(ScreenshotTest, SavedAfterSwapMatchesTheFrameRightWayUp) {
@@ -72,8 +80,37 @@ INSTANTIATE_TEST_SUITE_P(ScreenSizes, ScreenshotTest,
 // Tests run on a real GL context.
 class ScreenshotGL : public GLTest {};
 
-TEST_F(ScreenshotGL, ToUnwritablePathIsSkippedSilently) {
+TEST_F(ScreenshotGL, ToAMissingFolderWritesNothingAndSaysWhy) {
     Orvel::update();
-    Screenshot::saveScreenshot("/nonexistent/dir/shot.bmp");
+    std::string errors = errorsOf([] { Screenshot::saveScreenshot("/nonexistent/dir/shot.bmp"); });
+    EXPECT_EQ(errors, "Could not write /nonexistent/dir/shot.bmp: No such file or directory\n");
     EXPECT_NE(access("/nonexistent/dir/shot.bmp", F_OK), 0);
+}
+
+TEST_F(ScreenshotGL, ToAFullDeviceSaysNoSpaceIsLeftAndKeepsTheLink) {
+    Orvel::update();
+    char dir[] = "/tmp/screenshot_full_XXXXXX";
+    ASSERT_NE(mkdtemp(dir), nullptr);
+    std::string link = std::string(dir) + "/shot.bmp";
+    ASSERT_EQ(symlink("/dev/full", link.c_str()), 0);
+    std::string errors = errorsOf([&] { Screenshot::saveScreenshot(link.c_str()); });
+    EXPECT_EQ(errors, "Could not write " + link + ": No space left on device\n");
+    struct stat st;
+    EXPECT_EQ(lstat(link.c_str(), &st), 0);
+    EXPECT_TRUE(S_ISLNK(st.st_mode));
+    unlink(link.c_str());
+    rmdir(dir);
+}
+
+TEST_F(ScreenshotGL, SuccessSaysNothingEvenAfterAnEarlierSdlError) {
+    Orvel::update();
+    SDL_SetError("an error left over from elsewhere");
+    std::string path = "/tmp/screenshot_quiet_" + std::to_string(getpid()) + ".bmp";
+    std::string errors = errorsOf([&] { Screenshot::saveScreenshot(path.c_str()); });
+    SDL_Surface* bmp = SDL_LoadBMP(path.c_str());
+    unlink(path.c_str());
+    EXPECT_EQ(errors, "");
+    ASSERT_NE(bmp, nullptr);
+    EXPECT_EQ(bmp->w, Orvel::getScreenWidth());
+    SDL_FreeSurface(bmp);
 }

@@ -824,3 +824,116 @@ TEST_F(LoadShaderTest, LoadedStagesOutliveTheProgram) {
     delete vs;
     delete fs;
 }
+
+// --- Reports of stages that do not compile and programs that do not link ---
+
+namespace {
+
+const char* FS_BROKEN = "void main() { this is not GLSL }";
+// Compiles, but names a function that no stage defines, so the program cannot link.
+const char* FS_UNRESOLVED = "void paint(); void main() { paint(); }";
+
+// What a call wrote on standard error.
+template <typename Call> std::string errorsOf(Call call) {
+    testing::internal::CaptureStderr();
+    call();
+    return testing::internal::GetCapturedStderr();
+}
+
+// Whether `text` is exactly one line starting with `prefix` and going on after it.
+bool isOneLineAfter(const std::string& text, const std::string& prefix) {
+    bool isOneLine = text.find('\n') == text.size() - 1;
+    return text.rfind(prefix, 0) == 0 && text.size() > prefix.size() + 1 && isOneLine;
+}
+
+} // namespace
+
+TEST_F(ShaderTest, SourceThatDoesNotCompileIsReportedInOneLineUnderItsName) {
+    std::string errors = errorsOf([] {
+        Shader s(2, FS_BROKEN, 0, "shaders/broken.frag");
+        EXPECT_FALSE(s.isCompiled());
+    });
+    EXPECT_TRUE(isOneLineAfter(errors, "Could not compile shaders/broken.frag: ")) << errors;
+}
+
+TEST_F(ShaderTest, SourceWithoutANameIsReportedByItsStage) {
+    std::string errors = errorsOf([] { Shader s(1, FS_BROKEN, 0); });
+    EXPECT_TRUE(isOneLineAfter(errors, "Could not compile vertex shader: ")) << errors;
+}
+
+TEST_F(ShaderTest, EmptySourceIsReportedAsEmpty) {
+    std::string errors = errorsOf([] {
+        Shader s(1, "", 0, "shaders/empty.vert");
+        EXPECT_FALSE(s.isCompiled());
+    });
+    EXPECT_EQ(errors, "Could not compile shaders/empty.vert: empty source\n");
+}
+
+TEST_F(ShaderTest, SourceThatCompilesIsNotReported) {
+    std::string errors = errorsOf([] {
+        Shader s(2, FS_GREEN, 0, "shaders/green.frag");
+        EXPECT_TRUE(s.isCompiled());
+    });
+    EXPECT_EQ(errors, "");
+}
+
+TEST_F(ShaderTest, UnknownStageCodeIsNotCompiled) {
+    Shader s(3, VS_SOURCE, 0);
+    EXPECT_FALSE(s.isCompiled());
+}
+
+TEST_F(ShaderTest, AttachLeavesOutAStageThatDidNotCompileAndLinkUsesTheDefault) {
+    testing::internal::CaptureStderr();
+    Shader broken(2, FS_BROKEN, 0);
+    testing::internal::GetCapturedStderr();
+    ShaderProgram p;
+    p.attach(&broken);
+    EXPECT_EQ(p.fragment, nullptr);
+    EXPECT_TRUE(attachedTo(p.id).empty());
+    std::string errors = errorsOf([&] { p.link(); });
+    EXPECT_EQ(errors, "");
+    std::vector<GLuint> ids = attachedTo(p.id);
+    EXPECT_EQ(ids.size(), 2u);
+    EXPECT_TRUE(contains(ids, ShaderProgram::default_fs->id));
+    EXPECT_EQ(programParameter(p.id, GL_LINK_STATUS), GL_TRUE);
+}
+
+TEST_F(ShaderTest, ProgramThatDoesNotLinkIsReportedInOneLine) {
+    Shader fs(2, FS_UNRESOLVED, 0);
+    ASSERT_TRUE(fs.isCompiled());
+    ShaderProgram p;
+    p.attach(&fs);
+    std::string errors = errorsOf([&] { p.link(); });
+    EXPECT_EQ(programParameter(p.id, GL_LINK_STATUS), GL_FALSE);
+    std::string prefix = "Could not link shader program " + std::to_string(p.id) + ": ";
+    EXPECT_TRUE(isOneLineAfter(errors, prefix)) << errors;
+}
+
+TEST_F(LoadShaderTest, FileThatDoesNotCompileIsReportedByItsPathAndTheDefaultStageDraws) {
+    write("broken.frag", FS_BROKEN);
+    std::string errors = errorsOf([&] { load("broken"); });
+    EXPECT_TRUE(isOneLineAfter(errors, "Could not compile " + dir + "/broken.frag: ")) << errors;
+    EXPECT_EQ(program->fragment, nullptr);
+    EXPECT_EQ(programParameter(program->id, GL_LINK_STATUS), GL_TRUE);
+
+    program->bind();
+    fillRect(10, 10, 30, 30, 10, 200, 30);
+    program->unbind();
+    EXPECT_EQ(readScreen().at(20, 20), rgba(10, 200, 30, 255));
+}
+
+TEST_F(LoadShaderTest, EmptyFileIsReportedAsEmptyAndTheDefaultStageDraws) {
+    write("hollow.vert", "");
+    write("hollow.frag", FS_GREEN);
+    std::string errors = errorsOf([&] { load("hollow"); });
+    EXPECT_EQ(errors, "Could not compile " + dir + "/hollow.vert: empty source\n");
+    EXPECT_EQ(program->vertex, nullptr);
+    ASSERT_NE(program->fragment, nullptr);
+    EXPECT_EQ(programParameter(program->id, GL_LINK_STATUS), GL_TRUE);
+
+    program->bind();
+    fillRect(10, 10, 30, 30, 255, 0, 0);
+    program->unbind();
+    // The default vertex stage leaves the square where it was drawn.
+    EXPECT_EQ(readScreen().at(20, 20), rgba(0, 255, 0, 255));
+}

@@ -1,10 +1,15 @@
 // Runlevel logic of the main loop, stepped frame by frame with the clock and the input set
-// directly; the intro screen's layout.
+// directly; the intro screen's layout; loading the music.
 
 #include "game/Main.h"
 
+#include <cstdlib>
+#include <fstream>
 #include <string>
 
+#include <SDL/SDL.h>
+#include <SDL/SDL_mixer.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "engine/Font.h"
@@ -198,4 +203,70 @@ TEST_F(Runlevels, IntroHasThirteenCentredLinesAndTheCreditFromTheCentre) {
     }
     EXPECT_STREQ(static_cast<Text*>(g_apology->lines.data[0])->text.getCString(), "Nightvector");
     EXPECT_STREQ(static_cast<Text*>(g_apology->lines.data[10])->text.getCString(), "-- Pale Orbit --");
+}
+
+// --- loadMusic: opening audio and loading the track from sfx/ of the working directory ---
+
+namespace {
+
+// A working directory of its own with an sfx/ folder, and the dummy audio driver unless a test
+// names another; audio is closed and the track freed again after each test.
+class LoadMusic : public ::testing::Test {
+protected:
+    void SetUp() override {
+        char pattern[] = "/tmp/nightvector-music-XXXXXX";
+        ASSERT_NE(mkdtemp(pattern), nullptr);
+        dir = pattern;
+        ASSERT_EQ(mkdir((dir + "/sfx").c_str(), 0755), 0);
+        ASSERT_NE(getcwd(cwd, sizeof cwd), nullptr);
+        ASSERT_EQ(chdir(dir.c_str()), 0);
+        setenv("SDL_AUDIODRIVER", "dummy", 1);
+    }
+    void TearDown() override {
+        if (music) Mix_FreeMusic(music);
+        music = nullptr;
+        Mix_CloseAudio();
+        SDL_QuitSubSystem(SDL_INIT_AUDIO);
+        unsetenv("SDL_AUDIODRIVER");
+        EXPECT_EQ(chdir(cwd), 0);
+        EXPECT_EQ(system(("rm -rf '" + dir + "'").c_str()), 0);
+    }
+
+    void writeTrack(const std::string& bytes) { std::ofstream("sfx/music1.ogg", std::ios::binary) << bytes; }
+
+    // What loadMusic wrote on standard error.
+    static std::string errorsOfLoadMusic() {
+        testing::internal::CaptureStderr();
+        loadMusic();
+        return testing::internal::GetCapturedStderr();
+    }
+
+    std::string dir;
+    char cwd[4096];
+};
+
+} // namespace
+
+TEST_F(LoadMusic, TheRepositoryTrackLoadsWithoutAWord) {
+    ASSERT_EQ(symlink((std::string(cwd) + "/sfx/music1.ogg").c_str(), "sfx/music1.ogg"), 0);
+    EXPECT_EQ(errorsOfLoadMusic(), "");
+    EXPECT_NE(music, nullptr);
+}
+
+TEST_F(LoadMusic, MissingTrackIsReportedAndLeavesNoMusic) {
+    EXPECT_EQ(errorsOfLoadMusic(), "Could not load sfx/music1.ogg: Couldn't open 'sfx/music1.ogg'\n");
+    EXPECT_EQ(music, nullptr);
+}
+
+TEST_F(LoadMusic, TrackThatIsNoOggStreamIsReportedAndLeavesNoMusic) {
+    writeTrack(std::string(4096, 'x'));
+    EXPECT_EQ(errorsOfLoadMusic(), "Could not load sfx/music1.ogg: Not an Ogg Vorbis audio stream\n");
+    EXPECT_EQ(music, nullptr);
+}
+
+TEST_F(LoadMusic, MissingAudioDeviceIsReportedAndNothingIsLoaded) {
+    ASSERT_EQ(symlink((std::string(cwd) + "/sfx/music1.ogg").c_str(), "sfx/music1.ogg"), 0);
+    setenv("SDL_AUDIODRIVER", "nosuchdevice", 1);
+    EXPECT_EQ(errorsOfLoadMusic(), "Could not open audio: No available audio device\n");
+    EXPECT_EQ(music, nullptr);
 }
