@@ -6,6 +6,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "engine/Recycler.h"
+
 namespace orvel {
 
 char __t_strv[NUMBER_TEXT_SIZE];
@@ -21,6 +23,18 @@ unsigned smaller(unsigned a, unsigned b) {
     return a < b ? a : b;
 }
 
+// Text buffers come from the recycler: strings are made and dropped during play (score popups),
+// and a reused buffer costs no trip to the heap. Every buffer starts zero-filled.
+char* newBuffer(unsigned size) {
+    char* buffer = static_cast<char*>(Recycler::take(size));
+    std::memset(buffer, 0, size);
+    return buffer;
+}
+
+void freeBuffer(char* buffer) {
+    Recycler::give(buffer);
+}
+
 unsigned lengthOf(const char* s) {
     assert(s && "null C string");
     return static_cast<unsigned>(std::strlen(s));
@@ -28,30 +42,30 @@ unsigned lengthOf(const char* s) {
 
 } // namespace
 
-String::String() : data(new char[1]()), capacity(0), len(0) {}
+String::String() : data(newBuffer(1)), capacity(0), len(0) {}
 
 String::String(const char* s) : String(s, lengthOf(s)) {}
 
 String::String(const String& other) : String(other.data, other.len) {}
 
-String::String(const char* s, unsigned n) : data(new char[n + 2]()), capacity(n + 1), len(n) {
+String::String(const char* s, unsigned n) : data(newBuffer(n + 2)), capacity(n + 1), len(n) {
     std::memcpy(data, s, n);
 }
 
 String::~String() {
-    delete[] data;
+    freeBuffer(data);
 }
 
 char* String::replaceBuffer(unsigned newCapacity) {
     char* old = data;
-    data = new char[newCapacity + 1]();
+    data = newBuffer(newCapacity + 1);
     std::memcpy(data, old, smaller(capacity, newCapacity));
     capacity = newCapacity;
     return old;
 }
 
 void String::allocate(unsigned n) {
-    if (capacity < n) delete[] replaceBuffer(n);
+    if (capacity < n) freeBuffer(replaceBuffer(n));
 }
 
 char* String::getCStringCopy() const {
@@ -63,7 +77,7 @@ char* String::getCStringCopy() const {
 
 void String::clear() {
     len = 0;
-    delete[] replaceBuffer(4);
+    freeBuffer(replaceBuffer(4));
 }
 
 void String::set(const char* s) {
@@ -74,13 +88,13 @@ void String::set(const char* s) {
     std::memmove(data, s, n);
     data[at(n)] = 0;
     len = n;
-    delete[] old;
+    freeBuffer(old);
 }
 
 void String::set(const String& other) {
     unsigned n = other.len;
     len = n;
-    if (capacity < n) delete[] replaceBuffer(n + 1);
+    if (capacity < n) freeBuffer(replaceBuffer(n + 1));
     std::memmove(data, other.data, n);
     data[at(n)] = 0;
 }
@@ -104,14 +118,14 @@ void String::append(const char* s) {
     std::memmove(data + len, s, n);
     len += n;
     data[at(len)] = 0;
-    delete[] old;
+    freeBuffer(old);
 }
 
 void String::append(const String& other) {
     // Read before growing: other may be this string.
     unsigned n = other.len;
     unsigned needed = len + n + 1;
-    if (capacity < needed) delete[] replaceBuffer(needed);
+    if (capacity < needed) freeBuffer(replaceBuffer(needed));
     std::memmove(data + len, other.data, n);
     len += n;
     data[at(len)] = 0;
@@ -128,7 +142,7 @@ String& String::operator+=(const String& other) {
 }
 
 void String::appendChar(char c) {
-    if (capacity == len + 1) delete[] replaceBuffer(len + 9);
+    if (capacity == len + 1) freeBuffer(replaceBuffer(len + 9));
     data[at(len)] = c;
     ++len;
 }
@@ -214,9 +228,9 @@ unsigned String::trim() {
     }
     unsigned kept = lead + trail >= len ? 0 : len - lead - trail;
 
-    char* trimmed = new char[kept + 2]();
+    char* trimmed = newBuffer(kept + 2);
     std::memcpy(trimmed, data + lead, kept);
-    delete[] data;
+    freeBuffer(data);
     data = trimmed;
     capacity = kept + 1;
     len = kept;

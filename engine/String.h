@@ -108,7 +108,7 @@ private:
     // returns the new length.
     int cut(unsigned pos, unsigned n);
     // Moves to a zero-filled buffer of newCapacity + 1 bytes holding the first
-    // min(capacity, newCapacity) old bytes; returns the old buffer for the caller to delete[],
+    // min(capacity, newCapacity) old bytes; returns the old buffer for the caller to free,
     // so text that points into it can still be read.
     char* replaceBuffer(unsigned newCapacity);
 };

@@ -1,13 +1,15 @@
 #pragma once
 // The base of every game object that lives in the world and is updated once a frame.
 
+#include "engine/Recycler.h"
 #include "engine/Vector.h"
 
 class Drawable;
 
 // Game::update calls update() on every actor of g_game's `actors` list. Each actor deletes
-// itself at the end of its life; its destructor takes it out of the lists it is in.
-class Actor {
+// itself at the end of its life; its destructor takes it out of the lists it is in. Actors come
+// and go during play (enemies, powerups, score popups), so their memory is recycled.
+class Actor : public orvel::Recycled {
 public:
     // At the origin, radius 0, rotation 0, scale 1, no drawable.
     Actor();

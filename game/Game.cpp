@@ -4,6 +4,7 @@
 
 #include "engine/Math.h"
 #include "engine/Orvel.h"
+#include "engine/Recycler.h"
 #include "engine/String.h"
 #include "game/Enemy.h"
 #include "game/EnergyGauges.h"
@@ -13,6 +14,7 @@
 #include "game/Laser.h"
 #include "game/Main.h"
 #include "game/Plasma.h"
+#include "game/Powerup.h"
 #include "game/RadarDisplay.h"
 #include "game/Player.h"
 #include "game/Resources.h"
@@ -21,9 +23,11 @@
 #include "game/Starfield.h"
 #include "game/TextIndicator.h"
 #include "scene/DirectScene2D.h"
+#include "scene/Group.h"
 #include "scene/ParticleSlice.h"
 #include "scene/ParticleSystem.h"
 #include "scene/Scene2D.h"
+#include "scene/Sprite.h"
 #include "scene/Text.h"
 
 using orvel::Math;
@@ -37,6 +41,9 @@ const unsigned PARTICLES = 1024;
 const unsigned EXPLOSION_PARTICLES = 4096;
 // Stars of the starfield.
 const int STARS = 512;
+// Score popups and powerups that may be alive at once before the heap is asked for more.
+const unsigned RESERVED_POPUPS = 64;
+const unsigned RESERVED_POWERUPS = 64;
 // ms from init to the first wave, from a wave to the next one while enemies are left, and of
 // the game-over fade.
 const float FIRST_WAVE_DELAY = 5000.0f;
@@ -67,6 +74,19 @@ vec2 bannerPosition() {
     return vec2(Orvel::getScreenWidth() * 0.5f, Orvel::getScreenHeight() * 0.4f);
 }
 
+// Memory for what kills and pickups make during play (a popup: its actor, text and the strings of
+// the number; a powerup: its actor, group and two sprites), so that fights never wait on the heap.
+// Topped up after every spawn, whose enemies take blocks of the same sizes.
+void reserveForPlay() {
+    using orvel::Recycler;
+    Recycler::reserve(sizeof(TextIndicator), RESERVED_POPUPS);
+    Recycler::reserve(sizeof(Text), RESERVED_POPUPS);
+    Recycler::reserve(sizeof(char), 2 * RESERVED_POPUPS);
+    Recycler::reserve(sizeof(Powerup), RESERVED_POWERUPS);
+    Recycler::reserve(sizeof(Group), RESERVED_POWERUPS);
+    Recycler::reserve(sizeof(Sprite), 2 * RESERVED_POWERUPS);
+}
+
 } // namespace
 
 Game::Game()
@@ -90,6 +110,7 @@ Game::Game()
 Game::~Game() {}
 
 void Game::init() {
+    reserveForPlay();
     g_world->clear();
     g_hud->clear();
     g_world->add(starfield);
@@ -264,6 +285,7 @@ void Game::nextWave() {
     // Counts from w - 15 under the condition w > 14: wave 15 brings three.
     if (w > 14) spawnGroup<Hammerhead2>(*this, groupSize((w - 15) * 2.5 + 2));
     if (w > 16) spawnGroup<Probe3>(*this, groupSize((w - 16) * 2.9 + 20));
+    reserveForPlay();
 
     for (unsigned i = 0; i < enemies.count; ++i)
         g_world->add(enemies.data[i]->drawable);

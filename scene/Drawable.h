@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "engine/Recycler.h"
 #include "engine/Vector.h"
 
 class Container;
@@ -43,7 +44,8 @@ struct Bounds {
 // Every visible thing derives from this. Nodes are linked into one Container (not owned by it)
 // and drawn by a scene root, which walks the tree and calls draw() on the leaves.
 // Coordinates have y down, angles are degrees, sizes world units (pixels on the HUD).
-class Drawable {
+// Nodes come and go during play, so their memory is recycled.
+class Drawable : public orvel::Recycled {
 public:
     // Bits of `flags`.
     static const uint32_t VISIBLE = 0x1;

@@ -351,3 +351,28 @@ TEST_F(EnemyTest, SteadyStateUpdatesAllocateNothing) {
     frames(300);
     EXPECT_EQ(testing_support::allocationCount() - before, 0u);
 }
+
+TEST_F(EnemyTest, KillsWithScorePopupsAndPowerupDropsAllocateNothing) {
+#if defined(__SANITIZE_ADDRESS__)
+    GTEST_SKIP() << "freed blocks are not kept under AddressSanitizer";
+#endif
+    g_game->init();
+    g_game->nextWave();
+    const unsigned spawned = g_game->enemies.count;
+    ASSERT_EQ(spawned, 13u);
+    Enemy* doomed[13];
+    for (unsigned i = 0; i < spawned; ++i) {
+        doomed[i] = g_game->enemies.data[i];
+        doomed[i]->dropChance = 1.0f;
+    }
+    const unsigned actorsBefore = g_game->actors.count;
+
+    const std::size_t before = testing_support::allocationCount();
+    for (Enemy* e : doomed) EXPECT_FALSE(e->damage(1.0e9f));
+    EXPECT_EQ(testing_support::allocationCount() - before, 0u);
+
+    EXPECT_EQ(g_game->enemies.count, 0u);
+    EXPECT_EQ(g_game->powerups.count, 13u);
+    // Each kill leaves a popup and a powerup among the actors in place of its enemy.
+    EXPECT_EQ(g_game->actors.count, actorsBefore + 13u);
+}
