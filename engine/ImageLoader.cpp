@@ -82,18 +82,25 @@ Texture* ImageLoader::textureOf(Surface* image) {
 Surface* ImageLoader::prepareImage(SDL_Surface* image, bool keepAlpha, bool colorKey) {
     Surface* surface = new Surface(image->w, image->h);
     const SDL_PixelFormat* f = image->format;
-    uint32_t color = keepAlpha ? 0 : Color::setA(0, 255);
 
+    // Each channel is taken out of the image's pixel, limited to 255 and put where Color keeps
+    // it, as Color::setR and its siblings do, written out here for the loop's sake.
+    auto place = [](uint16_t value, uint32_t mask, uint8_t shift) -> uint32_t {
+        return ((uint32_t)(value > 255 ? 255 : value) << shift) & mask;
+    };
+    const uint32_t opaque = keepAlpha ? 0 : Color::setA(0, 255);
     if (SDL_MUSTLOCK(image)) SDL_LockSurface(image);
     const uint32_t* row = static_cast<const uint32_t*>(image->pixels);
-    for (int y = 0; y < image->h; ++y, row += image->pitch / 4) {
+    uint32_t* out = surface->pixels;
+    for (int y = 0; y < image->h; ++y, row += image->pitch / 4, out += surface->width) {
         for (int x = 0; x < image->w; ++x) {
-            uint32_t p = row[x];
-            color = Color::setR(color, channel(p, f->Rmask, f->Rshift, f->Rloss));
-            color = Color::setG(color, channel(p, f->Gmask, f->Gshift, f->Gloss));
-            color = Color::setB(color, channel(p, f->Bmask, f->Bshift, f->Bloss));
-            if (keepAlpha) color = Color::setA(color, channel(p, f->Amask, f->Ashift, f->Aloss));
-            surface->setPixel(x, y, color);
+            const uint32_t p = row[x];
+            uint32_t color = opaque;
+            color |= place(channel(p, f->Rmask, f->Rshift, f->Rloss), Color::rmask, Color::rshift);
+            color |= place(channel(p, f->Gmask, f->Gshift, f->Gloss), Color::gmask, Color::gshift);
+            color |= place(channel(p, f->Bmask, f->Bshift, f->Bloss), Color::bmask, Color::bshift);
+            if (keepAlpha) color |= place(channel(p, f->Amask, f->Ashift, f->Aloss), Color::amask, Color::ashift);
+            out[x] = color;
         }
     }
     if (SDL_MUSTLOCK(image)) SDL_UnlockSurface(image);

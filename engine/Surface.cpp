@@ -33,14 +33,16 @@ void Surface::copy(const Surface* src, int srcX, int srcY, int dstX, int dstY, i
     if (w < 0) w = src->width;
     if (h < 0) h = src->height;
     if (w == 0 || h == 0) return;
+    // Columns i whose source and destination both lie inside their surfaces; the rest is skipped.
+    const int first = std::max({0, -srcX, -dstX});
+    const int end = std::min({w, src->width - srcX, width - dstX});
+    if (first >= end) return;
     for (int j = 0; j < h; ++j) {
-        int sy = srcY + j;
-        if (sy < 0 || sy >= src->height) continue;
-        for (int i = 0; i < w; ++i) {
-            int sx = srcX + i;
-            if (sx < 0 || sx >= src->width) continue;
-            setPixel(dstX + i, dstY + j, src->pixels[sy * src->width + sx]);
-        }
+        const int sy = srcY + j;
+        const int dy = dstY + j;
+        if (sy < 0 || sy >= src->height || dy < 0 || dy >= height) continue;
+        memcpy(pixels + (size_t)dy * width + dstX + first, src->pixels + (size_t)sy * src->width + srcX + first,
+               sizeof(uint32_t) * (size_t)(end - first));
     }
 }
 
