@@ -162,9 +162,14 @@ float Math::wrapf(float v, float a, float b) {
     }
     float lo = std::min(a, b);
     float range = std::max(a, b) - lo;
+    // Inside the range the remainder is v - lo itself: the common case, without the division.
+    const float d = v - lo;
+    if (d > 0.0f && d < range) {
+        return lo + d;
+    }
     // The truncating remainder (v - lo) - trunc((v - lo) / range) * range, taken exactly; it
     // keeps the sign of v - lo, zero included, which the sign-bit test below looks at.
-    float r = std::fmod(v - lo, range);
+    float r = std::fmod(d, range);
     if (std::signbit(r)) {
         return lo + r + range;
     }

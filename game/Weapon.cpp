@@ -20,12 +20,17 @@ namespace {
 
 const hit_struct NO_HIT = {nullptr, vec2()};
 
-// Squared distance from q to the nearest point of the box [minX, maxX] x [minY, maxY].
-float boxDistanceSquared(const vec2& q, float minX, float maxX, float minY, float maxY) {
-    const float dx = Math::clampf(q.x, minX, maxX) - q.x;
-    const float dy = Math::clampf(q.y, minY, maxY) - q.y;
-    return dx * dx + dy * dy;
+// Squared distance along one axis from v to the nearest point of [lo, hi], clamped as
+// Math::clampf does; a copy's distance to the segment's box is the sum over its two axes.
+inline float axisGapSquared(float v, float lo, float hi) {
+    const float nearest = v > hi ? hi : (lo > v ? lo : v);
+    const float d = nearest - v;
+    return d * d;
 }
+
+// The nine copies of an actor across the wrap, in the order the broad phase tries them, as
+// indices into {x, x + W, x - W} and {y, y + H, y - H}.
+const unsigned char COPIES[9][2] = {{0, 0}, {1, 0}, {2, 0}, {0, 1}, {0, 2}, {1, 1}, {1, 2}, {2, 1}, {2, 2}};
 
 // The candidate's own result: where the ray enters its circle, or no hit when the line
 // passes outside it.
@@ -65,7 +70,6 @@ hit_struct findHitAmong(const Stack<T*>& targets, const vec2& from, const vec2& 
     // Scratch memory for every call; grows by doubling past 64 candidates and is never freed.
     static Stack<hit_struct> hits(64);
     static Stack<float> distances(64);
-    static Stack<vec2> p(128);
     hits.clear();
     distances.clear();
 
@@ -82,20 +86,16 @@ hit_struct findHitAmong(const Stack<T*>& targets, const vec2& from, const vec2& 
         Actor* actor = targets.data[i];
         const float x = actor->position.x;
         const float y = actor->position.y;
-        p.clear();
-        p.push(vec2(x, y));
-        p.push(vec2(x + W, y));
-        p.push(vec2(x - W, y));
-        p.push(vec2(x, y + H));
-        p.push(vec2(x, y - H));
-        p.push(vec2(x + W, y + H));
-        p.push(vec2(x + W, y - H));
-        p.push(vec2(x - W, y + H));
-        p.push(vec2(x - W, y - H));
+        const float xs[3] = {x, x + W, x - W};
+        const float ys[3] = {y, y + H, y - H};
+        const float gx[3] = {axisGapSquared(xs[0], minX, maxX), axisGapSquared(xs[1], minX, maxX),
+                             axisGapSquared(xs[2], minX, maxX)};
+        const float gy[3] = {axisGapSquared(ys[0], minY, maxY), axisGapSquared(ys[1], minY, maxY),
+                             axisGapSquared(ys[2], minY, maxY)};
         const float r2 = actor->radius * actor->radius;
-        for (unsigned k = 0; k < p.count; ++k) {
-            if (boxDistanceSquared(p.data[k], minX, maxX, minY, maxY) < r2) {
-                hits.push(hit_struct{actor, p.data[k]});
+        for (const unsigned char* c : COPIES) {
+            if (gx[c[0]] + gy[c[1]] < r2) {
+                hits.push(hit_struct{actor, vec2(xs[c[0]], ys[c[1]])});
                 break;
             }
         }

@@ -737,3 +737,19 @@ TEST(Math, SphereIntersectPointOfMissedSphereIsZero)
     EXPECT_EQ(f.y, 0.0f);
     EXPECT_EQ(f.z, 0.0f);
 }
+
+TEST(Math, WrapfInsideTheRangeStillRoundsThroughTheLowerBound) {
+    // lo + (v - lo): a tiny value near 0 in [-50, 1330) comes back as exactly 0.
+    EXPECT_EQ(Math::wrapf(1.0e-9f, -50.0f, 1330.0f), 0.0f);
+    EXPECT_EQ(Math::wrapf(640.25f, -50.0f, 1330.0f), 640.25f);
+}
+
+TEST(Math, WrapfAgreesWithTheRemainderFormulaInAndOutOfRange) {
+    const float lo = -50.0f;
+    const float hi = 1330.0f;
+    for (float v = -3000.0f; v <= 3000.0f; v += 0.37f) {
+        const float r = std::fmod(v - lo, hi - lo);
+        const float expected = std::signbit(r) ? lo + r + (hi - lo) : lo + r;
+        ASSERT_EQ(Math::wrapf(v, lo, hi), expected) << v;
+    }
+}
