@@ -105,7 +105,7 @@ void BenchSession::openWindow() {
     if (savedOut >= 0) close(savedOut);
 }
 
-BenchSession::BenchSession(int wave) : frame(0) {
+BenchSession::BenchSession(int wave, bool explosive) : frame(0), explosive(explosive) {
     g_world = new Scene2D(-1, -1);
     g_world->worldWidth = WORLD;
     g_world->worldHeight = WORLD;
@@ -169,6 +169,21 @@ Enemy* BenchSession::densestEnemyInView() const {
     return best;
 }
 
+Enemy* BenchSession::nearestEnemy() const {
+    const vec2 ship = g_game->player ? g_game->player->position : vec2(0.0f, 0.0f);
+    Enemy* best = nullptr;
+    float nearest = 0.0f;
+    for (unsigned i = 0; i < g_game->enemies.count; ++i) {
+        Enemy* e = g_game->enemies.data[i];
+        const float d = wrappedDistance(ship, e->position);
+        if (!best || d < nearest) {
+            best = e;
+            nearest = d;
+        }
+    }
+    return best;
+}
+
 void BenchSession::prepareFrame() {
     ++frame;
     // 60 frames per second on the integer ms clock.
@@ -180,6 +195,9 @@ void BenchSession::prepareFrame() {
         player->hull = player->maxHull;
         player->energy = player->maxEnergy;
         if (const Enemy* target = densestEnemyInView()) pointer = onScreen(target->position);
+    }
+    if (explosive && frame % KILL_INTERVAL == 0) {
+        if (Enemy* victim = nearestEnemy()) victim->damage(victim->hitPoints + 1.0f);
     }
     setInput(BOTH_BUTTONS, (int)pointer.x, (int)pointer.y);
 }

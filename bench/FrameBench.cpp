@@ -20,6 +20,8 @@ namespace {
 
 // Measured frames of each scenario: ten seconds of play.
 const int MEASURED_FRAMES = 600;
+// Measured frames of the explosive scenarios: five seconds, 140 kills with the warm-up.
+const int EXPLOSIVE_FRAMES = 300;
 
 // The value below which `fraction` of the sorted samples lie (nearest rank).
 double percentile(const std::vector<double>& sorted, double fraction) {
@@ -31,12 +33,12 @@ double percentile(const std::vector<double>& sorted, double fraction) {
 
 // Plays the session at wave state.range(0): warm-up, then one measured frame per iteration.
 // Only the frame itself is timed; the script's input and the counting stay outside.
-void runScenario(benchmark::State& state, void (BenchSession::*frameOf)()) {
+void runScenario(benchmark::State& state, void (BenchSession::*frameOf)(), bool explosive = false) {
     if (!orvel::Orvel::window) {
         state.SkipWithError("no window");
         return;
     }
-    BenchSession session((int)state.range(0));
+    BenchSession session((int)state.range(0), explosive);
     for (int i = 0; i < BenchSession::WARM_UP_FRAMES; ++i) {
         session.prepareFrame();
         (session.*frameOf)();
@@ -78,6 +80,16 @@ void FullFrame(benchmark::State& state) {
     runScenario(state, &BenchSession::fullFrame);
 }
 
+// The same at wave 17 with an enemy near the ship killed every third frame: the explosion pool
+// near full.
+void LogicExplosions(benchmark::State& state) {
+    runScenario(state, &BenchSession::logic, true);
+}
+
+void FullFrameExplosions(benchmark::State& state) {
+    runScenario(state, &BenchSession::fullFrame, true);
+}
+
 void waves(benchmark::internal::Benchmark* b) {
     b->ArgName("wave")->Arg(1)->Arg(9)->Arg(17);
     b->Iterations(MEASURED_FRAMES)->UseManualTime()->Unit(benchmark::kMillisecond);
@@ -87,6 +99,9 @@ void waves(benchmark::internal::Benchmark* b) {
 
 BENCHMARK(Logic)->Apply(waves);
 BENCHMARK(FullFrame)->Apply(waves);
+// Fewer measured frames: a kill every third frame would empty the swarm within 700 frames.
+BENCHMARK(LogicExplosions)->ArgName("wave")->Arg(17)->Iterations(EXPLOSIVE_FRAMES)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(FullFrameExplosions)->ArgName("wave")->Arg(17)->Iterations(EXPLOSIVE_FRAMES)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);

@@ -1,0 +1,261 @@
+// Start-up of the real program: the wall time from starting `nightvector` to the first frame that
+// shows the intro screen, and the program's peak resident memory at that moment.
+//
+// The program runs from the working directory (the repository root, where it finds its data) on
+// the X server of this process, with SDL_AUDIODRIVER=dummy and its output thrown away. A first,
+// untimed run takes the reference: the top band of the screen once it shows the intro's text and
+// has stayed the same for half a second. Each timed run then starts the program and reads that
+// band of the root window back with XGetImage every 2 ms until it equals the reference; the time
+// from just before the spawn to that read-back is the run's start-up time. The program's
+// window covers the screen, and is stacked above this process's own window, so the root window
+// shows what it draws; a frame reaches the server whole, so the band stands for the frame.
+
+#include <algorithm>
+#include <chrono>
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <fcntl.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <X11/Xlib.h>
+#include <X11/Xutil.h>
+
+#include <benchmark/benchmark.h>
+
+#include "bench/MemoryStatus.h"
+
+extern char** environ;
+
+namespace {
+
+// Timed start-ups; the table shows their median.
+const int RUNS = 5;
+// Rows at the top of the screen compared with the reference: the intro's title and first lines.
+const int BAND_ROWS = 200;
+// A channel above this counts as lit; the reference needs at least MIN_LIT_PIXELS lit pixels,
+// which the black screen before the first frame does not have.
+const int LIT_LEVEL = 128;
+const int MIN_LIT_PIXELS = 200;
+// ms: the poll period, how long the reference must stay unchanged, and the give-up time.
+const int POLL_MS = 2;
+const int STABLE_MS = 500;
+const int TIMEOUT_MS = 60000;
+
+using Clock = std::chrono::steady_clock;
+
+double msSince(Clock::time_point start) {
+    return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
+}
+
+void sleepMs(int ms) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(ms));
+}
+
+// The screen's top band, read back from the root window.
+class ScreenBand {
+public:
+    ScreenBand() : display(XOpenDisplay(nullptr)), width(0), rows(0) {
+        if (!display) return;
+        width = DisplayWidth(display, DefaultScreen(display));
+        rows = std::min(BAND_ROWS, DisplayHeight(display, DefaultScreen(display)));
+    }
+    ~ScreenBand() {
+        if (display) XCloseDisplay(display);
+    }
+    ScreenBand(const ScreenBand&) = delete;
+    ScreenBand& operator=(const ScreenBand&) = delete;
+
+    bool isOpen() const { return display != nullptr; }
+
+    // The band's pixels as the server holds them; empty when the read-back failed.
+    std::vector<uint32_t> read() {
+        std::vector<uint32_t> pixels;
+        XImage* image = XGetImage(display, DefaultRootWindow(display), 0, 0, (unsigned)width, (unsigned)rows,
+                                  AllPlanes, ZPixmap);
+        if (!image) return pixels;
+        pixels.resize((size_t)width * (size_t)rows);
+        for (int y = 0; y < rows; ++y) {
+            for (int x = 0; x < width; ++x) pixels[(size_t)y * width + x] = (uint32_t)XGetPixel(image, x, y);
+        }
+        XDestroyImage(image);
+        return pixels;
+    }
+
+private:
+    Display* display;
+    int width;
+    int rows;
+};
+
+int litPixels(const std::vector<uint32_t>& pixels) {
+    int n = 0;
+    for (uint32_t p : pixels) {
+        if ((int)((p >> 16) & 0xff) > LIT_LEVEL || (int)((p >> 8) & 0xff) > LIT_LEVEL || (int)(p & 0xff) > LIT_LEVEL) ++n;
+    }
+    return n;
+}
+
+// The running program, ended and reaped when the object goes.
+class Program {
+public:
+    Program() : pid(-1) {}
+    ~Program() { stop(); }
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+
+    // Starts the game with SDL_AUDIODRIVER=dummy and its output to /dev/null.
+    bool start() {
+        std::vector<std::string> env;
+        for (char** e = environ; *e; ++e) {
+            if (strncmp(*e, "SDL_AUDIODRIVER=", 16) != 0) env.emplace_back(*e);
+        }
+        env.emplace_back("SDL_AUDIODRIVER=dummy");
+        std::vector<char*> envp;
+        for (std::string& s : env) envp.push_back(&s[0]);
+        envp.push_back(nullptr);
+        char binary[] = NIGHTVECTOR_BINARY;
+        char* argv[] = {binary, nullptr};
+
+        posix_spawn_file_actions_t actions;
+        posix_spawn_file_actions_init(&actions);
+        posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+        posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+        const int status = posix_spawn(&pid, binary, &actions, nullptr, argv, envp.data());
+        posix_spawn_file_actions_destroy(&actions);
+        if (status != 0) pid = -1;
+        return pid > 0;
+    }
+    bool isRunning() const { return pid > 0 && waitpid(pid, nullptr, WNOHANG) == 0; }
+    double peakResidentKib() const { return pid > 0 ? memory_status::peakResidentKib(pid) : -1.0; }
+    void stop() {
+        if (pid <= 0) return;
+        kill(pid, SIGKILL);
+        waitpid(pid, nullptr, 0);
+        pid = -1;
+    }
+
+private:
+    pid_t pid;
+};
+
+// Results shared by the two rows: the start-up rows' runs feed the memory row.
+std::vector<uint32_t> introBand;
+std::vector<double> peakKibOfStarts;
+
+// The untimed first run: waits for a band with the intro's text that stays the same for
+// STABLE_MS. Also fills the file cache, as for any later start of the game.
+bool takeReference(ScreenBand& band, std::string& error) {
+    const std::vector<uint32_t> before = band.read();
+    Program program;
+    if (!program.start()) {
+        error = "cannot start " NIGHTVECTOR_BINARY;
+        return false;
+    }
+    const Clock::time_point start = Clock::now();
+    std::vector<uint32_t> candidate;
+    Clock::time_point since = start;
+    while (msSince(start) < TIMEOUT_MS) {
+        if (!program.isRunning()) {
+            error = "the program ended before showing the intro";
+            return false;
+        }
+        std::vector<uint32_t> now = band.read();
+        if (now != candidate) {
+            candidate = now;
+            since = Clock::now();
+        } else if (candidate != before && litPixels(candidate) >= MIN_LIT_PIXELS && msSince(since) >= STABLE_MS) {
+            introBand = candidate;
+            return true;
+        }
+        sleepMs(POLL_MS * 10);
+    }
+    error = "no steady intro screen";
+    return false;
+}
+
+// One timed run: ms from the spawn to the first read-back equal to the reference, or -1.
+double timeOneStart(ScreenBand& band, double& peakKib) {
+    // The previous run's window may still be on the screen until the server drops it.
+    const Clock::time_point cleared = Clock::now();
+    while (band.read() == introBand && msSince(cleared) < TIMEOUT_MS) sleepMs(POLL_MS);
+
+    Program program;
+    const Clock::time_point start = Clock::now();
+    if (!program.start()) return -1.0;
+    while (msSince(start) < TIMEOUT_MS) {
+        if (band.read() == introBand) {
+            const double ms = msSince(start);
+            peakKib = program.peakResidentKib();
+            return ms;
+        }
+        if (!program.isRunning()) return -1.0;
+        sleepMs(POLL_MS);
+    }
+    return -1.0;
+}
+
+double median(std::vector<double> values) {
+    if (values.empty()) return 0.0;
+    std::sort(values.begin(), values.end());
+    const size_t n = values.size();
+    return n % 2 ? values[n / 2] : 0.5 * (values[n / 2 - 1] + values[n / 2]);
+}
+
+// One iteration per start; the time of each run is its iteration time.
+void StartupToIntro(benchmark::State& state) {
+    state.SetLabel("nightvector start to intro");
+    ScreenBand band;
+    std::string error;
+    if (!band.isOpen()) {
+        state.SkipWithError("no X display");
+        return;
+    }
+    if (!takeReference(band, error)) {
+        state.SkipWithError(error.c_str());
+        return;
+    }
+    std::vector<double> ms;
+    peakKibOfStarts.clear();
+    for (auto _ : state) {
+        double peakKib = -1.0;
+        const double t = timeOneStart(band, peakKib);
+        if (t < 0.0) {
+            state.SkipWithError("the intro did not show");
+            break;
+        }
+        state.SetIterationTime(t / 1000.0);
+        ms.push_back(t);
+        peakKibOfStarts.push_back(peakKib);
+    }
+    if (ms.size() < (size_t)RUNS) {
+        peakKibOfStarts.clear();
+        return;
+    }
+    // With five runs the 99th percentile is the slowest.
+    state.counters["median_ms"] = median(ms);
+    state.counters["p99_ms"] = *std::max_element(ms.begin(), ms.end());
+}
+
+// The game's peak resident memory when its intro first shows, median over the start-up runs.
+void StartupPeakMemory(benchmark::State& state) {
+    state.SetLabel("nightvector peak RSS at intro");
+    for (auto _ : state) {
+    }
+    if (peakKibOfStarts.empty()) {
+        state.SkipWithError("needs the start-up row");
+        return;
+    }
+    state.counters["peak_rss_mib"] = median(peakKibOfStarts) / 1024.0;
+}
+
+} // namespace
+
+BENCHMARK(StartupToIntro)->Iterations(RUNS)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(StartupPeakMemory)->Iterations(1);
