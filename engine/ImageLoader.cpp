@@ -34,6 +34,22 @@ SDL_Surface* toDisplayFormat(SDL_Surface* image) {
     return SDL_ConvertSurface(image, &format, SDL_SWSURFACE);
 }
 
+// A 32-bit image with an alpha channel of its own is read as it is: the conversion would only
+// copy its pixels unchanged (SDL converts with blending off), at a cost at every start-up.
+bool isReadableAsIs(const SDL_Surface* image) {
+    const SDL_PixelFormat* f = image->format;
+    return f->BytesPerPixel == 4 && f->Amask && !f->palette && !f->Rloss && !f->Gloss && !f->Bloss && !f->Aloss &&
+           !(image->flags & SDL_SRCCOLORKEY);
+}
+
+// The image in a layout prepareImage reads; `image` is freed unless it is returned itself.
+SDL_Surface* readable(SDL_Surface* image) {
+    if (isReadableAsIs(image)) return image;
+    SDL_Surface* converted = toDisplayFormat(image);
+    SDL_FreeSurface(image);
+    return converted;
+}
+
 uint32_t channel(uint32_t pixel, uint32_t mask, uint8_t shift, uint8_t loss) { return ((pixel & mask) >> shift) << loss; }
 
 } // namespace
@@ -44,8 +60,7 @@ Surface* ImageLoader::load(const char* path, bool colorKey) {
         lastError = 2;
         return nullptr;
     }
-    SDL_Surface* converted = toDisplayFormat(loaded);
-    SDL_FreeSurface(loaded);
+    SDL_Surface* converted = readable(loaded);
     if (!converted) {
         lastError = 2;
         return nullptr;
@@ -58,8 +73,7 @@ Surface* ImageLoader::loadBuf(const void* data, unsigned size, bool colorKey) {
     SDL_RWops* stream = SDL_RWFromConstMem(data, (int)size);
     SDL_Surface* loaded = stream ? IMG_Load_RW(stream, 0) : nullptr;
     if (stream) SDL_FreeRW(stream);
-    SDL_Surface* converted = loaded ? toDisplayFormat(loaded) : nullptr;
-    if (loaded) SDL_FreeSurface(loaded);
+    SDL_Surface* converted = loaded ? readable(loaded) : nullptr;
     if (!converted) {
         lastError = 1;
         return nullptr;
