@@ -94,7 +94,10 @@ Texture* ImageLoader::textureOf(Surface* image) {
 }
 
 Surface* ImageLoader::prepareImage(SDL_Surface* image, bool keepAlpha, bool colorKey) {
-    Surface* surface = new Surface(image->w, image->h);
+    // Every pixel is written below, except the stand-in pixel of an empty image.
+    const bool isEmpty = image->w < 1 || image->h < 1;
+    Surface* surface =
+        isEmpty ? new Surface(image->w, image->h) : new Surface(image->w, image->h, Surface::Unfilled());
     const SDL_PixelFormat* f = image->format;
 
     // Each channel is taken out of the image's pixel, limited to 255 and put where Color keeps

@@ -11,6 +11,10 @@ Surface::Surface(int w, int h) : pixels(nullptr), width(std::max(w, 1)), height(
     pixels = new uint32_t[(size_t)width * height]();
 }
 
+Surface::Surface(int w, int h, Unfilled) : pixels(nullptr), width(std::max(w, 1)), height(std::max(h, 1)) {
+    pixels = new uint32_t[(size_t)width * height];
+}
+
 Surface::Surface(const Surface& other)
     : pixels(new uint32_t[(size_t)other.width * other.height]), width(other.width), height(other.height) {
     memcpy(pixels, other.pixels, sizeof(uint32_t) * width * height);

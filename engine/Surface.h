@@ -13,6 +13,10 @@ public:
 
     // All pixels transparent black; sizes below 1 become 1.
     Surface(int width, int height);
+    // The pixels left as the heap gives them, for a caller that writes every one of them next
+    // (an image being decoded): large images skip a pass over their memory at start-up.
+    struct Unfilled {};
+    Surface(int width, int height, Unfilled);
     Surface(const Surface& other);
     Surface& operator=(const Surface&) = delete;
     ~Surface();
