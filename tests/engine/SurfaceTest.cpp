@@ -104,3 +104,14 @@ TEST(Surface, MakeTilableClampsBorderAndLeavesPixelsUntouched) {
     EXPECT_EQ(s.makeTilable(2), 2);
     for (int i = 0; i < 70; ++i) EXPECT_EQ(s.pixels[i], (uint32_t)(i * 31)) << i;
 }
+
+TEST(Surface, UnfilledSurfaceHasTheSameSizeRules) {
+    orvel::Surface s(0, -3, orvel::Surface::Unfilled());
+    EXPECT_EQ(s.width, 1);
+    EXPECT_EQ(s.height, 1);
+    orvel::Surface t(5, 7, orvel::Surface::Unfilled());
+    EXPECT_EQ(t.width, 5);
+    EXPECT_EQ(t.height, 7);
+    t.setPixel(4, 6, 0x12345678u);
+    EXPECT_EQ(t.getPixel(4, 6), 0x12345678u);
+}
