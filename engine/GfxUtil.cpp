@@ -75,7 +75,11 @@ ShaderProgram* GfxUtil::loadShaderFromDisk(const char* dir, const char* name) {
     }
 
     ShaderProgram* program = new ShaderProgram();
-    for (int i = 0; i < STAGES; ++i) program->attach(stages[i]);
+    for (int i = 0; i < STAGES; ++i) {
+        program->attach(stages[i]);
+        // A stage that did not compile is left out of the program, so nothing else would free it.
+        if (stages[i] && !stages[i]->isCompiled()) delete stages[i];
+    }
     program->link();
     return program;
 }

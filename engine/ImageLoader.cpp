@@ -1,5 +1,11 @@
 #include "engine/ImageLoader.h"
 
+#include <condition_variable>
+#include <cstring>
+#include <mutex>
+#include <thread>
+#include <vector>
+
 #include <SDL/SDL.h>
 #include <SDL/SDL_image.h>
 
@@ -50,12 +56,42 @@ SDL_Surface* readable(SDL_Surface* image) {
     return converted;
 }
 
+// Files decoded ahead on a thread of their own; the loading thread takes them in order.
+struct Prefetch {
+    std::vector<const char*> paths;
+    std::vector<SDL_Surface*> images;
+    unsigned decoded = 0; // files the decoding thread has finished, guarded by `lock`
+    unsigned taken = 0;   // files the loading thread has passed
+    std::mutex lock;
+    std::condition_variable progress;
+    std::thread decoder;
+};
+
+Prefetch* prefetching = nullptr;
+
+// The decoded file `path`: the prefetched one when it is next in line (files skipped on the way
+// are freed), otherwise decoded here and now.
+SDL_Surface* decode(const char* path) {
+    Prefetch* p = prefetching;
+    if (p) {
+        for (unsigned i = p->taken; i < p->paths.size(); ++i) {
+            if (std::strcmp(p->paths[i], path) != 0) continue;
+            std::unique_lock<std::mutex> guard(p->lock);
+            p->progress.wait(guard, [p, i] { return p->decoded > i; });
+            for (unsigned k = p->taken; k < i; ++k) SDL_FreeSurface(p->images[k]);
+            p->taken = i + 1;
+            return p->images[i];
+        }
+    }
+    return IMG_Load(path);
+}
+
 uint32_t channel(uint32_t pixel, uint32_t mask, uint8_t shift, uint8_t loss) { return ((pixel & mask) >> shift) << loss; }
 
 } // namespace
 
 Surface* ImageLoader::load(const char* path, bool colorKey) {
-    SDL_Surface* loaded = IMG_Load(path);
+    SDL_Surface* loaded = decode(path);
     if (!loaded) {
         lastError = 2;
         return nullptr;
@@ -79,6 +115,32 @@ Surface* ImageLoader::loadBuf(const void* data, unsigned size, bool colorKey) {
         return nullptr;
     }
     return prepareImage(converted, true, colorKey);
+}
+
+void ImageLoader::prefetch(const char* const* paths, unsigned count) {
+    finishPrefetch();
+    Prefetch* p = new Prefetch();
+    p->paths.assign(paths, paths + count);
+    p->images.assign(count, nullptr);
+    p->decoder = std::thread([p] {
+        for (unsigned i = 0; i < p->paths.size(); ++i) {
+            SDL_Surface* image = IMG_Load(p->paths[i]);
+            std::lock_guard<std::mutex> guard(p->lock);
+            p->images[i] = image;
+            p->decoded = i + 1;
+            p->progress.notify_all();
+        }
+    });
+    prefetching = p;
+}
+
+void ImageLoader::finishPrefetch() {
+    Prefetch* p = prefetching;
+    if (!p) return;
+    prefetching = nullptr;
+    p->decoder.join();
+    for (unsigned k = p->taken; k < p->images.size(); ++k) SDL_FreeSurface(p->images[k]);
+    delete p;
 }
 
 Texture* ImageLoader::loadTexture(const char* path, bool colorKey) { return textureOf(load(path, colorKey)); }

@@ -22,6 +22,14 @@ public:
     static Texture* loadTexture(const char* path, bool colorKey);
     static Texture* loadBufTexture(const void* data, unsigned size, bool colorKey);
 
+    // Starts decoding the files `paths` one after another on a thread of its own, so that
+    // load() of each of them, asked for in the same order, finds the file already decoded while
+    // this thread converts and uploads the one before. A path asked for out of that order is
+    // decoded on the spot. finishPrefetch() waits for the thread and drops what nobody took.
+    // The paths must stay valid until then.
+    static void prefetch(const char* const* paths, unsigned count);
+    static void finishPrefetch();
+
     // Converts `image` into a Surface, channel by channel through its own pixel format, and frees
     // it. Without `keepAlpha` every pixel comes out opaque.
     static Surface* prepareImage(SDL_Surface* image, bool keepAlpha, bool colorKey);

@@ -53,32 +53,40 @@ void writeBmp(SDL_Surface* image, const char* filename) {
     reportFailure(filename, error ? strerror(error) : SDL_GetError());
 }
 
+// The frame as read and the picture turned right way up. Kept from one screenshot to the next
+// of the same size, so that taking screenshots leaves the game's memory as it was.
+SDL_Surface* upright = nullptr;
+SDL_Surface* readBack = nullptr;
+
+bool prepareSurfaces(int w, int h) {
+    if (upright && readBack && upright->w == w && upright->h == h) return true;
+    SDL_FreeSurface(upright);
+    SDL_FreeSurface(readBack);
+    upright = SDL_CreateRGBSurface(SDL_SWSURFACE, w, h, 32, Color::rmask, Color::gmask, Color::bmask, 0);
+    readBack = SDL_CreateRGBSurface(SDL_SWSURFACE, w, h, 32, Color::rmask, Color::gmask, Color::bmask, 0);
+    return upright && readBack;
+}
+
 } // namespace
 
 void Screenshot::saveScreenshot(const char* filename) {
     int w = Orvel::getScreenWidth();
     int h = Orvel::getScreenHeight();
-    SDL_Surface* image = SDL_CreateRGBSurface(SDL_SWSURFACE, w, h, 32, Color::rmask, Color::gmask, Color::bmask, 0);
-    SDL_Surface* frame = SDL_CreateRGBSurface(SDL_SWSURFACE, w, h, 32, Color::rmask, Color::gmask, Color::bmask, 0);
-    if (!image || !frame) {
+    if (!prepareSurfaces(w, h)) {
         reportFailure(filename, SDL_GetError());
-        SDL_FreeSurface(image);
-        SDL_FreeSurface(frame);
         return;
     }
 
     glReadBuffer(shownFrameBuffer());
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
-    glReadPixels(0, 0, w, h, GL_RGBA, GL_UNSIGNED_BYTE, frame->pixels);
+    glReadPixels(0, 0, w, h, GL_RGBA, GL_UNSIGNED_BYTE, readBack->pixels);
 
     // GL rows run bottom to top, BMP rows as the eye reads them.
-    const Uint8* src = static_cast<const Uint8*>(frame->pixels);
-    Uint8* dst = static_cast<Uint8*>(image->pixels);
-    for (int y = 0; y < h; ++y) memcpy(dst + y * image->pitch, src + (h - 1 - y) * frame->pitch, w * 4);
+    const Uint8* src = static_cast<const Uint8*>(readBack->pixels);
+    Uint8* dst = static_cast<Uint8*>(upright->pixels);
+    for (int y = 0; y < h; ++y) memcpy(dst + y * upright->pitch, src + (h - 1 - y) * readBack->pitch, w * 4);
 
-    writeBmp(image, filename);
-    SDL_FreeSurface(image);
-    SDL_FreeSurface(frame);
+    writeBmp(upright, filename);
 }
 
 } // namespace orvel
