@@ -3,6 +3,8 @@
 
 BUILD_DIR  ?= build
 BENCH_DIR  ?= build-bench
+SANITIZE_DIR ?= build-sanitize
+SOAK_SECONDS ?= 1800
 BUILD_TYPE ?= RelWithDebInfo
 JOBS       ?= $(shell nproc)
 
@@ -10,7 +12,7 @@ BUILD_PACKAGES := g++ make cmake pkg-config libsdl1.2-dev libsdl-image1.2-dev li
 TEST_PACKAGES  := libgtest-dev libbenchmark-dev xvfb xdotool libgl1-mesa-dri python3 python3-pil python3-numpy python3-soundfile fonts-dejavu-core
 ASSET_PACKAGES := python3 python3-pil python3-numpy python3-soundfile fonts-dejavu-core
 
-.PHONY: all build run test bench assets build-deps test-deps asset-deps clean
+.PHONY: all build run test test-sanitize soak bench assets build-deps test-deps asset-deps clean
 
 all: build
 
@@ -43,9 +45,34 @@ test: test-deps
 	$(call configure,-DNIGHTVECTOR_TESTS=ON -DNIGHTVECTOR_BENCH=ON)
 	cmake --build $(BUILD_DIR) -j $(JOBS)
 	cd $(BUILD_DIR) && ctest --output-on-failure -j $(JOBS) --repeat until-pass:2
+	$(MAKE) test-sanitize
+
+# Every program of ours built with AddressSanitizer and UndefinedBehaviorSanitizer in a build
+# directory of its own; runs every test program but the end-to-end ones, then the two-minute input
+# storm against the sanitized game. Any report ends the program that made it with status 23, so the
+# test fails. Leaks inside system libraries are suppressed in tests/sanitize/lsan.supp. The Python
+# data checks run no code of ours and are left out.
+SANITIZE_ENV := \
+	ASAN_OPTIONS=halt_on_error=1:exitcode=23:print_stacktrace=1:detect_leaks=1:strict_string_checks=1:detect_stack_use_after_return=1 \
+	UBSAN_OPTIONS=halt_on_error=1:exitcode=23:print_stacktrace=1 \
+	LSAN_OPTIONS=exitcode=23:print_suppressions=0:suppressions=$(CURDIR)/tests/sanitize/lsan.supp
+
+test-sanitize: test-deps
+	cmake -S . -B $(SANITIZE_DIR) -DCMAKE_BUILD_TYPE=$(BUILD_TYPE) -DNIGHTVECTOR_TESTS=ON -DNIGHTVECTOR_SANITIZE=ON
+	cmake --build $(SANITIZE_DIR) -j $(JOBS)
+	cd $(SANITIZE_DIR) && $(SANITIZE_ENV) ctest --output-on-failure -j $(JOBS) -LE e2e -E '^(MusicAsset|Assets)\.'
+
+# The input storm for half an hour (SOAK_SECONDS) against the normal build, with the game's
+# resident memory sampled every 10 s into $(BUILD_DIR)/soak-rss.csv; after the first minute it
+# must stay within 2 MB. Not part of `make test`.
+soak: test-deps
+	$(call configure,-DNIGHTVECTOR_TESTS=ON)
+	cmake --build $(BUILD_DIR) -j $(JOBS) --target e2e_tests
+	tests/e2e/soak.sh $(BUILD_DIR)/tests/e2e/e2e_tests $(SOAK_SECONDS) $(BUILD_DIR)/soak-rss.csv
 
 # A Release build of its own, run from the repository root (the game reads gfx/ and shaders/
-# there) on a private Xvfb server; prints one table.
+# there) on a private Xvfb server; prints one table: the session scenarios, the micro-benchmarks,
+# peak memory, and the start-up of the game built alongside (frame_bench depends on it).
 bench: test-deps
 	cmake -S . -B $(BENCH_DIR) -DCMAKE_BUILD_TYPE=Release -DNIGHTVECTOR_BENCH=ON
 	cmake --build $(BENCH_DIR) -j $(JOBS) --target frame_bench

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <deque>
 #include <string>
+#include <thread>
 #include <vector>
 #include <sys/wait.h>
 
@@ -23,6 +24,8 @@ namespace {
 std::deque<Uint32> g_scriptedTicks;
 std::vector<std::string> g_calls;
 bool g_recording = false;
+// The engine's event thread sleeps through SDL_Delay too; only the test's own thread is recorded.
+const std::thread::id g_testThread = std::this_thread::get_id();
 } // namespace
 
 extern "C" {
@@ -39,7 +42,8 @@ Uint32 __wrap_SDL_GetTicks(void) {
 }
 
 void __wrap_SDL_Delay(Uint32 ms) {
-    if (g_recording) g_calls.push_back("SDL_Delay(" + std::to_string(ms) + ")");
+    if (g_recording && std::this_thread::get_id() == g_testThread)
+        g_calls.push_back("SDL_Delay(" + std::to_string(ms) + ")");
     __real_SDL_Delay(ms);
 }
 

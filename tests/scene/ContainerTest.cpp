@@ -134,6 +134,9 @@ TEST_F(ContainerList, RemoveThroughAForeignContainerOnlyClearsTheNodesLinks) {
     EXPECT_EQ(c.last, &d);
     EXPECT_EQ(other.count, 0);
     EXPECT_EQ(other.first, nullptr);
+    // clear() walks back from the last node and would stop at b, whose links are gone; with them
+    // back every node leaves the container before the fixture destroys them.
+    b.prev = &a;
     c.clear();
 }
 

@@ -217,10 +217,13 @@ TEST_F(FaderGL, TwoDrawsInOneFrameGiveTheSameOpacity) {
 
 TEST_F(FaderGL, DrawsTheSameWithoutTheShaderSet) {
     // Without the shader set the fixed pipeline draws the same colour.
+    orvel::ShaderProgram* shader = Shaders::color_shader_fixed;
     Shaders::color_shader_fixed = nullptr;
     fader.color = vec4(0.0f, 0.0f, 1.0f, 1.0f);
     Orvel::currentTime = 2000;
     fader.fadeOut(100);
     glDisable(GL_TEXTURE_2D);
     EXPECT_TRUE(nearRgb(drawAt(2200), 0, 0, 255, 0));
+    // Put back, so the program stays held and the set whole for the tests after.
+    Shaders::color_shader_fixed = shader;
 }
