@@ -9,10 +9,11 @@ BUILD_TYPE ?= RelWithDebInfo
 JOBS       ?= $(shell nproc)
 
 BUILD_PACKAGES := g++ make cmake pkg-config libsdl1.2-dev libsdl-image1.2-dev libsdl-mixer1.2-dev libgl-dev
-TEST_PACKAGES  := libgtest-dev libbenchmark-dev xvfb xdotool libgl1-mesa-dri python3 python3-pil python3-numpy python3-soundfile fonts-dejavu-core
+TEST_PACKAGES  := libgtest-dev libbenchmark-dev xvfb xdotool libgl1-mesa-dri python3 python3-pil python3-numpy python3-soundfile fonts-dejavu-core dpkg-dev file lintian desktop-file-utils man-db
 ASSET_PACKAGES := python3 python3-pil python3-numpy python3-soundfile fonts-dejavu-core
+PACKAGE_PACKAGES := dpkg-dev file
 
-.PHONY: all build run test test-sanitize soak bench assets build-deps test-deps asset-deps clean
+.PHONY: all build run test test-sanitize soak bench package assets build-deps test-deps asset-deps clean
 
 all: build
 
@@ -77,6 +78,14 @@ bench: test-deps
 	cmake -S . -B $(BENCH_DIR) -DCMAKE_BUILD_TYPE=Release -DNIGHTVECTOR_BENCH=ON
 	cmake --build $(BENCH_DIR) -j $(JOBS) --target frame_bench
 	tests/xvfb-exec ./$(BENCH_DIR)/bench/frame_bench
+
+# The Debian package, $(BUILD_DIR)/nightvector_VERSION_ARCH.deb: the game built, installed into
+# CPack's staging tree under /usr, stripped, with Depends worked out by dpkg-shlibdeps.
+package: build-deps
+	@tools/install-deps.sh $(PACKAGE_PACKAGES)
+	$(call configure,)
+	cmake --build $(BUILD_DIR) -j $(JOBS) --target nightvector packaging_files
+	cmake --build $(BUILD_DIR) --target package
 
 assets: asset-deps
 	/usr/bin/python3 tools/make_assets.py

@@ -8,8 +8,8 @@ Runs ROOT/tools/make_assets.py twice, each time into a fresh temporary folder (o
 after ROOT, such as --only music, are passed on), and requires the two runs to agree:
 the same files, identical pixels in every image (decoded), identical samples in every
 sound (decoded) and identical bytes in everything else. Then every folder the generator
-wrote (gfx, sfx, shaders) must hold in ROOT exactly the files of the fresh run, equal in
-the same way, so that nothing committed is stale, missing or left over.
+wrote (gfx, sfx, shaders, packaging/icons) must hold in ROOT exactly the files of the
+fresh run, equal in the same way, so that nothing committed is stale, missing or left over.
 Prints one line on success; exits with status 1 and the differences on failure.
 """
 import pathlib
@@ -22,7 +22,7 @@ import soundfile
 from PIL import Image
 
 PYTHON = "/usr/bin/python3"
-ASSET_FOLDERS = ("gfx", "sfx", "shaders")
+ASSET_FOLDERS = ("gfx", "sfx", "shaders", "packaging/icons")
 IMAGE_SUFFIXES = {".png", ".bmp", ".jpg", ".jpeg", ".tga"}
 SOUND_SUFFIXES = {".ogg", ".wav", ".flac"}
 
