@@ -1,6 +1,7 @@
 #include "engine/ImageLoader.h"
 
 #include <condition_variable>
+#include <malloc.h>
 #include <cstring>
 #include <mutex>
 #include <thread>
@@ -141,6 +142,9 @@ void ImageLoader::finishPrefetch() {
     p->decoder.join();
     for (unsigned k = p->taken; k < p->images.size(); ++k) SDL_FreeSurface(p->images[k]);
     delete p;
+    // The decoded images came from the decoding thread's own heap arena, which keeps their freed
+    // memory for a next time that never comes; hand it back to the system.
+    malloc_trim(0);
 }
 
 Texture* ImageLoader::loadTexture(const char* path, bool colorKey) { return textureOf(load(path, colorKey)); }
