@@ -322,6 +322,15 @@ void Game::screenShake(float duration, float magnitude) {
     shakeEnd = now() + duration;
 }
 
+void Game::removeActor(Actor* actor) {
+    for (unsigned i = 0; i < actors.count; ++i) {
+        if (actors.data[i] == actor) {
+            actors.data[i] = actors.data[--actors.count];
+            return;
+        }
+    }
+}
+
 void Game::end() {
     delete reticle;
     reticle = nullptr;

@@ -43,6 +43,9 @@ public:
     void update();
     // Deletes the reticle, the score counter and the player, each when present.
     void end();
+    // Takes the first occurrence of `actor` off `actors` by moving the last entry into its place;
+    // nothing when it is not listed.
+    void removeActor(Actor* actor);
     // Starts the next wave: banner, growth of the difficulty, the enemies of the wave.
     void nextWave();
     // Destroys every enemy strictly nearer than `radius` to `centre` on the wrapping world.

@@ -10,20 +10,6 @@ namespace {
 
 const float FRAME_SCALE = 0.5f;
 
-// Takes the first occurrence of `actor` off g_game's actors by swapping in the last entry;
-// nothing when there is no game or the actor is not listed.
-void removeFromActors(Actor* actor) {
-    if (!g_game) return;
-    orvel::Stack<Actor*>& actors = g_game->actors;
-    for (unsigned i = 0; i < actors.count; ++i) {
-        if (actors.data[i] == actor) {
-            actors.data[i] = actors.data[actors.count - 1];
-            --actors.count;
-            return;
-        }
-    }
-}
-
 } // namespace
 
 HUD_ScoreBox::HUD_ScoreBox() {
@@ -34,7 +20,7 @@ HUD_ScoreBox::HUD_ScoreBox() {
 }
 
 HUD_ScoreBox::~HUD_ScoreBox() {
-    removeFromActors(counter);
+    if (g_game) g_game->removeActor(counter);
     delete counter;
     delete frame;
 }

@@ -19,15 +19,7 @@ TextIndicator::TextIndicator() : text(new Text(Resources::font_medium, nullptr))
 }
 
 TextIndicator::~TextIndicator() {
-    if (g_game) {
-        orvel::Stack<Actor*>& actors = g_game->actors;
-        for (unsigned i = 0; i < actors.count; ++i) {
-            if (actors.data[i] == this) {
-                actors.data[i] = actors.data[--actors.count];
-                break;
-            }
-        }
-    }
+    if (g_game) g_game->removeActor(this);
     delete text;
 }
 
