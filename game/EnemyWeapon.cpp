@@ -1,11 +1,9 @@
 #include "game/EnemyWeapon.h"
 
-#include "engine/Orvel.h"
 #include "game/Friend.h"
 #include "game/Game.h"
 #include "game/Main.h"
 
-using orvel::Orvel;
 using orvel::vec2;
 
 EnemyWeapon::EnemyWeapon()
@@ -14,17 +12,7 @@ EnemyWeapon::EnemyWeapon()
 EnemyWeapon::~EnemyWeapon() {}
 
 float EnemyWeapon::shoot(const vec2&) {
-    if (rate == 0.0f) return 0.0f;
-    const float now = (float)Orvel::currentTime;
-    if (rate == -1.0f) {
-        lastShot = now;
-        return energyCost;
-    }
-    if (now - lastShot >= 1000.0f / rate) {
-        lastShot = now;
-        return energyCost;
-    }
-    return 0.0f;
+    return passRateGate(rate, lastShot, energyCost);
 }
 
 hit_struct EnemyWeapon::findHit(const vec2& from, const vec2& to, float) {

@@ -129,18 +129,18 @@ Weapon::Weapon()
 
 Weapon::~Weapon() {}
 
-float Weapon::shoot(const vec2&) {
+float passRateGate(float rate, float& lastShot, float energyCost) {
     if (rate == 0.0f) return 0.0f;
     const float now = (float)Orvel::currentTime;
-    if (rate == -1.0f) {
-        lastShot = now;
-        return energyCost;
-    }
-    if (now - lastShot >= 1000.0f / rate) {
+    if (rate == -1.0f || now - lastShot >= 1000.0f / rate) {
         lastShot = now;
         return energyCost;
     }
     return 0.0f;
+}
+
+float Weapon::shoot(const vec2&) {
+    return passRateGate(rate, lastShot, energyCost);
 }
 
 hit_struct Weapon::findHit(const vec2& from, const vec2& to, float) {

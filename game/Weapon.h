@@ -21,6 +21,10 @@ struct hit_struct {
 template <typename T>
 hit_struct findHitAmong(const orvel::Stack<T*>& targets, const orvel::vec2& from, const orvel::vec2& to);
 
+// The rate gate of every gun: `energyCost` when a shot is allowed now (and lastShot becomes
+// now, ms of Orvel::currentTime), else 0. Rate 0 never allows a shot, rate -1 always does.
+float passRateGate(float rate, float& lastShot, float energyCost);
+
 // A weapon draws its live shots itself and keeps them itself; shots are not scene nodes.
 // The muzzle is the weapon's own `position`, which the owner keeps at the ship.
 class Weapon : public Effect {
