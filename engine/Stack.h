@@ -40,6 +40,26 @@ public:
     T& operator[](unsigned i) { return data[i < count ? i : capacity]; }
     const T& operator[](unsigned i) const { return data[i < count ? i : capacity]; }
 
+    // Takes the last element off and returns it. An empty stack yields its spare element.
+    T& pop() { return data[count > 0 ? --count : capacity]; }
+
+    // Takes element i out: the last element moves into its slot, so order is not kept.
+    void removeAt(unsigned i) {
+        assert(i < count);
+        data[i] = data[--count];
+    }
+
+    // Takes the first element equal to `value` out as removeAt does; false when there is none.
+    bool remove(const T& value) {
+        for (unsigned i = 0; i < count; ++i) {
+            if (data[i] == value) {
+                removeAt(i);
+                return true;
+            }
+        }
+        return false;
+    }
+
     // Forgets the elements and keeps the memory.
     void clear() { count = 0; }
 

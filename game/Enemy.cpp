@@ -29,16 +29,6 @@ using orvel::vec4;
 
 namespace {
 
-// Takes `item` out of `list`: the last element fills its slot (first match only).
-template <typename T> void removeSwapLast(orvel::Stack<T*>& list, T* item) {
-    for (unsigned i = 0; i < list.count; ++i) {
-        if (list.data[i] == item) {
-            list.data[i] = list.data[--list.count];
-            return;
-        }
-    }
-}
-
 float distance(vec2 a, vec2 b) {
     const float dx = a.x - b.x;
     const float dy = a.y - b.y;
@@ -64,8 +54,8 @@ Enemy::Enemy()
 Enemy::~Enemy() {
     delete weapon;
     if (g_game) {
-        removeSwapLast(g_game->enemies, this);
-        removeSwapLast(g_game->actors, static_cast<Actor*>(this));
+        g_game->enemies.remove(this);
+        g_game->actors.remove(static_cast<Actor*>(this));
     }
 }
 

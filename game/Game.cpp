@@ -323,12 +323,7 @@ void Game::screenShake(float duration, float magnitude) {
 }
 
 void Game::removeActor(Actor* actor) {
-    for (unsigned i = 0; i < actors.count; ++i) {
-        if (actors.data[i] == actor) {
-            actors.data[i] = actors.data[--actors.count];
-            return;
-        }
-    }
+    actors.remove(actor);
 }
 
 void Game::end() {

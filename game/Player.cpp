@@ -53,17 +53,6 @@ const float RESPAWN_FLIGHT = 3500.0f;
 // Distance from the world origin of the point the ship flies back to.
 const float RESPAWN_DISTANCE = 1920.0f;
 
-// Takes `item` out of `list` by moving the last element into its place.
-template <typename T, typename U>
-void removeSwapLast(orvel::Stack<T*>& list, U* item) {
-    for (unsigned i = 0; i < list.count; ++i) {
-        if (list.data[i] == item) {
-            list.data[i] = list.data[--list.count];
-            return;
-        }
-    }
-}
-
 // Limits the length of v to `limit`, keeping its direction.
 void limitLength(vec2& v, float limit) {
     const float length = v.length();
@@ -325,14 +314,13 @@ void Player::destroy() {
         respawnPosition = direction * RESPAWN_DISTANCE;
     } else {
         // Gone for good: the session sees hull 0 with no lives and ends the game.
-        removeSwapLast(g_game->friends, this);
-        removeSwapLast(g_game->actors, static_cast<Actor*>(this));
+        g_game->actors.remove(static_cast<Actor*>(this));
         if (drawable) drawable->remove();
     }
 
     velocity = vec2(0.0f, 0.0f);
-    // Out of the enemies' sight until the respawn.
-    removeSwapLast(g_game->friends, this);
+    // Out of the enemies' sight until the respawn, or for good.
+    g_game->friends.remove(this);
 }
 
 void Player::spawn() {

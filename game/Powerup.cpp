@@ -32,16 +32,6 @@ const int FRAMES_Y = 16;
 // Units a collected powerup's message starts above it.
 const float MESSAGE_RISE = 35.0f;
 
-template <typename T>
-void removeSwapLast(orvel::Stack<T*>& list, Actor* item) {
-    for (unsigned i = 0; i < list.count; ++i) {
-        if (list.data[i] == item) {
-            list.data[i] = list.data[--list.count];
-            return;
-        }
-    }
-}
-
 // The kind from two draws: nine in ten are upgrades, the rest split 30:30:10:10:20:10 out of 110.
 int drawKind() {
     const int r = g_rand.randi(0, 100);
@@ -84,8 +74,8 @@ Powerup::Powerup()
 
 Powerup::~Powerup() {
     if (g_game) {
-        removeSwapLast(g_game->powerups, this);
-        removeSwapLast(g_game->actors, this);
+        g_game->powerups.remove(this);
+        g_game->actors.remove(this);
     }
     delete sprite;
     delete glow;

@@ -53,13 +53,7 @@ ParticleEmitter* ParticleSystem::createEmitter(ParticleSlice* slice) {
 }
 
 void ParticleSystem::destroyEmitter(ParticleEmitter* e) {
-    for (unsigned i = 0; i < emitters.count; ++i) {
-        if (emitters.data[i] == e) {
-            emitters.data[i] = emitters.data[emitters.count - 1];
-            --emitters.count;
-            break;
-        }
-    }
+    emitters.remove(e);
     delete e;
 }
 

@@ -84,3 +84,59 @@ TEST(Stack, ClearKeepsMemoryAndRefillAllocatesNothing) {
     EXPECT_EQ(allocationCount(), before);
     EXPECT_EQ(s.data, block);
 }
+
+TEST(Stack, PopTakesTheLastElement) {
+    Stack<int> s(4);
+    s.push(1);
+    s.push(2);
+    EXPECT_EQ(s.pop(), 2);
+    EXPECT_EQ(s.count, 1u);
+    EXPECT_EQ(s.pop(), 1);
+    EXPECT_EQ(s.count, 0u);
+}
+
+TEST(Stack, PopOnEmptyStackYieldsSpareElement) {
+    Stack<int> s(4);
+    s.data[4] = 9;
+    EXPECT_EQ(&s.pop(), &s.data[4]);
+    EXPECT_EQ(s.count, 0u);
+}
+
+TEST(Stack, RemoveAtMovesTheLastElementIntoTheSlot) {
+    Stack<int> s(8);
+    for (int v : {10, 20, 30, 40}) s.push(v);
+    s.removeAt(1);
+    ASSERT_EQ(s.count, 3u);
+    EXPECT_EQ(s.data[0], 10);
+    EXPECT_EQ(s.data[1], 40);
+    EXPECT_EQ(s.data[2], 30);
+}
+
+TEST(Stack, RemoveAtTheLastSlotShortensTheStack) {
+    Stack<int> s(8);
+    for (int v : {10, 20, 30}) s.push(v);
+    s.removeAt(2);
+    ASSERT_EQ(s.count, 2u);
+    EXPECT_EQ(s.data[0], 10);
+    EXPECT_EQ(s.data[1], 20);
+}
+
+TEST(Stack, RemoveTakesOnlyTheFirstEqualElement) {
+    Stack<int> s(8);
+    for (int v : {5, 7, 5, 9}) s.push(v);
+    EXPECT_TRUE(s.remove(5));
+    ASSERT_EQ(s.count, 3u);
+    EXPECT_EQ(s.data[0], 9);
+    EXPECT_EQ(s.data[1], 7);
+    EXPECT_EQ(s.data[2], 5);
+}
+
+TEST(Stack, RemoveOfAMissingValueChangesNothing) {
+    Stack<int> s(8);
+    for (int v : {1, 2, 3}) s.push(v);
+    EXPECT_FALSE(s.remove(4));
+    ASSERT_EQ(s.count, 3u);
+    EXPECT_EQ(s.data[0], 1);
+    EXPECT_EQ(s.data[1], 2);
+    EXPECT_EQ(s.data[2], 3);
+}
