@@ -6,11 +6,16 @@
 #include "engine/Vector.h"
 
 class ParticleSlice;
+struct ParticleBurst;
 
 class ParticleEmitter {
 public:
     // Default settings: white, one second of life, size 16, no speed, idle (rate 0).
     ParticleEmitter();
+
+    // Takes the burst's lives, speeds, sizes, spread, radius and colours. Its count is not used:
+    // an emitter's output is set by its rate.
+    void setParticles(const ParticleBurst& burst);
 
     orvel::vec4 colorA;        // one end of the colour range, 0..1; alpha ignored
     orvel::vec4 colorB;        // the other end

@@ -64,6 +64,11 @@ ParticleSlice* ParticleSystem::createSlice(bool removeWhenEmpty, bool deleteWhen
 // The pool is a ring: emit always takes the slot under the cursor, whatever its state. When
 // every slot is busy the oldest particle therefore gives its slot to the newest and leaves its
 // slice at once; heavy emission shortens older particles' lives instead of failing.
+void ParticleSystem::emit(ParticleSlice* slice, const ParticleBurst& b, const vec2& position, const vec2& direction) {
+    emit(slice, b.count, b.lifeMin, b.lifeMax, position, b.radius, b.sizeStartMin, b.sizeStartMax, b.sizeEndMin,
+         b.sizeEndMax, direction, b.speedMin, b.speedMax, b.spread, b.colorA, b.colorB);
+}
+
 void ParticleSystem::emit(ParticleSlice* slice, unsigned count, unsigned lifeMin, unsigned lifeMax,
                           const vec2& position, float radius, float sizeStartMin, float sizeStartMax,
                           float sizeEndMin, float sizeEndMax, const vec2& direction, float speedMin,

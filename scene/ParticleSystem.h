@@ -31,6 +31,19 @@ struct Particle {
     uint32_t deathTime; // ms of Orvel::currentTime; drawn while deathTime >= now
 };
 
+// What one call of ParticleSystem::emit throws, but for where and which way: a named
+// description instead of a row of numbers at every call.
+struct ParticleBurst {
+    unsigned count;
+    unsigned lifeMin, lifeMax;  // ms, [lifeMin, lifeMax)
+    float radius;               // births scatter this far from the position
+    float sizeStartMin, sizeStartMax;
+    float sizeEndMin, sizeEndMax;
+    float speedMin, speedMax;   // distance travelled over the whole life
+    float spread;               // full cone angle, degrees
+    orvel::vec4 colorA, colorB; // each particle's colour lies between the two
+};
+
 class ParticleSystem {
 public:
     // Initial room of the emitter list; it doubles when full.
@@ -64,6 +77,10 @@ public:
               const orvel::vec2& position, float radius, float sizeStartMin, float sizeStartMax,
               float sizeEndMin, float sizeEndMax, const orvel::vec2& direction, float speedMin,
               float speedMax, float spread, const orvel::vec4& colorA, const orvel::vec4& colorB);
+
+    // The same with the burst's settings.
+    void emit(ParticleSlice* slice, const ParticleBurst& burst, const orvel::vec2& position,
+              const orvel::vec2& direction);
 
     // Once per frame: wind drift, then the output of every emitter.
     void update();
