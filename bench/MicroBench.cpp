@@ -18,6 +18,7 @@
 #include "engine/Orvel.h"
 #include "engine/Vector.h"
 #include "game/Enemy.h"
+#include "game/Explosions.h"
 #include "game/Game.h"
 #include "game/Laser.h"
 #include "game/Main.h"
@@ -59,7 +60,6 @@ const float CLUSTER_RADIUS = 250.0f;
 // every beam burns an enemy (300 particles a second each, 300 to 450 ms). Together they refill
 // the pool faster than any particle dies, so all 4096 are alive in every measured frame.
 const unsigned PARTICLES = 4096;
-const unsigned EXPLOSION_PARTICLES = 192;
 const unsigned EMITTERS = 32;
 const unsigned EMITTER_RATE = 300;
 // Stars of the game's starfield.
@@ -114,15 +114,6 @@ bool haveWindow(benchmark::State& state) {
     return false;
 }
 
-// The shortest offset from a to b on the wrapping world.
-vec2 wrappedDelta(const vec2& a, const vec2& b) {
-    float dx = b.x - a.x;
-    float dy = b.y - a.y;
-    dx -= WORLD * std::round(dx / WORLD);
-    dy -= WORLD * std::round(dy / WORLD);
-    return vec2(dx, dy);
-}
-
 // The enemy within VIEW_RADIUS of `ship` with the most others within CLUSTER_RADIUS of it: the
 // spot the scripted pointer aims at. Null when none is in view.
 const Enemy* densestInView(const vec2& ship) {
@@ -172,10 +163,10 @@ void runFindHit(benchmark::State& state, bool isBeam) {
         radius = player->laser->beamWidth;
     } else {
         // Plasma's step of one frame at 60 frames per second, ending at the enemy's centre.
-        const vec2 step = aim * (player->plasma->shotSpeed / 60.0f);
+        const vec2 step = aim * (player->plasma->ring.shotSpeed / 60.0f);
         from = targetPoint - step;
         to = targetPoint;
-        radius = player->plasma->shotRadius;
+        radius = player->plasma->ring.shotRadius;
     }
 
     int hits = 0;
@@ -265,12 +256,7 @@ struct ParticleScene {
     void nextFrame() {
         setFrame(++frame);
         const vec2 at(WORLD * 0.5f + (float)((frame % 4) * 300 - 450), WORLD * 0.5f + (float)(((frame / 4) % 4) * 160 - 240));
-        const float radius = 20.0f;
-        const float s = g_rand.randf(9.0f * radius, 12.0f * radius);
-        const int u = g_rand.randi(1000, 1200);
-        const int v = g_rand.randi(500, 600);
-        system.emit(slice, EXPLOSION_PARTICLES, (unsigned)v, (unsigned)u, at, radius, 26.0f, 40.0f, 0.0f, 8.0f,
-                    vec2(0.0f, 0.0f), 0.0f, s, 360.0f, vec4(0.6f, 0.2f, 0.05f, 1.0f), vec4(0.9f, 0.3f, 0.1f, 1.0f));
+        emitExplosion(system, slice, ENEMY_EXPLOSION, at, 20.0f);
     }
     void update() { system.update(); }
     void draw() {

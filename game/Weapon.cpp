@@ -9,6 +9,7 @@
 #include "game/Friend.h"
 #include "game/Game.h"
 #include "game/Main.h"
+#include "game/WorldWrap.h"
 #include "scene/Scene2D.h"
 
 using orvel::Math;
@@ -27,10 +28,6 @@ inline float axisGapSquared(float v, float lo, float hi) {
     const float d = nearest - v;
     return d * d;
 }
-
-// The nine copies of an actor across the wrap, in the order the broad phase tries them, as
-// indices into {x, x + W, x - W} and {y, y + H, y - H}.
-const unsigned char COPIES[9][2] = {{0, 0}, {1, 0}, {2, 0}, {0, 1}, {0, 2}, {1, 1}, {1, 2}, {2, 1}, {2, 2}};
 
 // The candidate's own result: where the ray enters its circle, or no hit when the line
 // passes outside it.
@@ -86,6 +83,7 @@ hit_struct findHitAmong(const Stack<T*>& targets, const vec2& from, const vec2& 
         Actor* actor = targets.data[i];
         const float x = actor->position.x;
         const float y = actor->position.y;
+        // Indexed as WorldWrap::AXIS_SHIFT: unshifted, plus the extent, minus the extent.
         const float xs[3] = {x, x + W, x - W};
         const float ys[3] = {y, y + H, y - H};
         const float gx[3] = {axisGapSquared(xs[0], minX, maxX), axisGapSquared(xs[1], minX, maxX),
@@ -93,7 +91,7 @@ hit_struct findHitAmong(const Stack<T*>& targets, const vec2& from, const vec2& 
         const float gy[3] = {axisGapSquared(ys[0], minY, maxY), axisGapSquared(ys[1], minY, maxY),
                              axisGapSquared(ys[2], minY, maxY)};
         const float r2 = actor->radius * actor->radius;
-        for (const unsigned char* c : COPIES) {
+        for (const unsigned char* c : WorldWrap::COPY_AXES) {
             if (gx[c[0]] + gy[c[1]] < r2) {
                 hits.push(hit_struct{actor, vec2(xs[c[0]], ys[c[1]])});
                 break;
@@ -124,28 +122,11 @@ hit_struct findHitAmong(const Stack<T*>& targets, const vec2& from, const vec2& 
 template hit_struct findHitAmong<Enemy>(const Stack<Enemy*>&, const vec2&, const vec2&);
 template hit_struct findHitAmong<Friend>(const Stack<Friend*>&, const vec2&, const vec2&);
 
-Weapon::Weapon()
-    : enabled(1), damageMin(0.0f), damageMax(0.0f), rate(0.0f), energyCost(0.0f), lastShot(0.0f) {}
-
-Weapon::~Weapon() {}
-
-float passRateGate(float rate, float& lastShot, float energyCost) {
-    if (rate == 0.0f) return 0.0f;
-    const float now = (float)Orvel::currentTime;
-    if (rate == -1.0f || now - lastShot >= 1000.0f / rate) {
-        lastShot = now;
-        return energyCost;
-    }
-    return 0.0f;
-}
-
-float Weapon::shoot(const vec2&) {
-    return passRateGate(rate, lastShot, energyCost);
-}
-
 hit_struct Weapon::findHit(const vec2& from, const vec2& to, float) {
     if (!g_game) return NO_HIT;
     return findHitAmong(g_game->enemies, from, to);
 }
 
-void Weapon::update() {}
+bool Weapon::damageTarget(Actor* target, float amount) {
+    return static_cast<Enemy*>(target)->damage(amount);
+}

@@ -29,7 +29,7 @@ protected:
 
 TEST_F(PlasmaShots, ShotLeavesTheMuzzleAtFullSpeed) {
     EXPECT_EQ(gun->shoot(vec2(3, 4)), 2.0f);
-    const Plasma::Shot& s = gun->shots[0];
+    const Plasma::Shot& s = gun->ring.shots[0];
     // (3, 4) / 5 x 750.
     EXPECT_FLOAT_EQ(s.velocity.x, 450.0f);
     EXPECT_FLOAT_EQ(s.velocity.y, 600.0f);
@@ -37,14 +37,14 @@ TEST_F(PlasmaShots, ShotLeavesTheMuzzleAtFullSpeed) {
     EXPECT_EQ(s.position.y, 1000.0f);
     EXPECT_EQ(s.start, START);
     EXPECT_EQ(s.finish, START + 1500);
-    EXPECT_EQ(gun->shotCursor, 0u);
+    EXPECT_EQ(gun->ring.shotCursor, 0u);
 }
 
 TEST_F(PlasmaShots, RefusedShotTakesNoSlot) {
     gun->shoot(vec2(1, 0));
     setTime(START + 100);
     EXPECT_EQ(gun->shoot(vec2(1, 0)), 0.0f);
-    EXPECT_EQ(gun->shots[1].finish, 0u);
+    EXPECT_EQ(gun->ring.shots[1].finish, 0u);
 }
 
 TEST_F(PlasmaShots, ShotMovesByVelocityTimesFrameLength) {
@@ -52,8 +52,8 @@ TEST_F(PlasmaShots, ShotMovesByVelocityTimesFrameLength) {
     gun->shoot(vec2(1, 0));
     setTime(START + 250);
     gun->update();
-    EXPECT_FLOAT_EQ(gun->shots[0].position.x, 1000.0f + 750.0f * 0.25f);
-    EXPECT_FLOAT_EQ(gun->shots[0].position.y, 1000.0f);
+    EXPECT_FLOAT_EQ(gun->ring.shots[0].position.x, 1000.0f + 750.0f * 0.25f);
+    EXPECT_FLOAT_EQ(gun->ring.shots[0].position.y, 1000.0f);
 }
 
 TEST_F(PlasmaShots, ShotEndsAtItsLife) {
@@ -61,7 +61,7 @@ TEST_F(PlasmaShots, ShotEndsAtItsLife) {
     setTime(START + 1500);
     gun->update();
     // finish <= now: the slot is free and the shot no longer moves.
-    EXPECT_EQ(gun->shots[0].position.x, 1000.0f);
+    EXPECT_EQ(gun->ring.shots[0].position.x, 1000.0f);
 }
 
 TEST_F(PlasmaShots, HitEndsTheShotDamagesAndSparks) {
@@ -76,11 +76,11 @@ TEST_F(PlasmaShots, HitEndsTheShotDamagesAndSparks) {
     gun->update();
     EXPECT_EQ(e->hits, 1);
     EXPECT_FLOAT_EQ(e->taken, damage);
-    EXPECT_EQ(gun->shots[0].start, 0u);
-    EXPECT_EQ(gun->shots[0].finish, 0u);
+    EXPECT_EQ(gun->ring.shots[0].start, 0u);
+    EXPECT_EQ(gun->ring.shots[0].finish, 0u);
     // The position still advances on the frame of the hit.
-    EXPECT_FLOAT_EQ(gun->shots[0].position.x, 1075.0f);
-    ParticleSlice* slice = gun->slices.data[0];
+    EXPECT_FLOAT_EQ(gun->ring.shots[0].position.x, 1075.0f);
+    ParticleSlice* slice = gun->ring.slices.data[0];
     EXPECT_EQ(slice->count, 52u);
     EXPECT_EQ(slice->prev, e->drawable);
     // A second update finds no live shot.
@@ -94,29 +94,29 @@ TEST_F(PlasmaShots, SixtyFifthShotGrowsTheRingAndKeepsAllShots) {
         gun->position = vec3(1000.0f + i, 1000, 0);
         gun->shoot(vec2(1, 0));
     }
-    EXPECT_EQ(gun->shotCapacity, 64u);
-    EXPECT_EQ(gun->shotCursor, 63u);
+    EXPECT_EQ(gun->ring.shotCapacity, 64u);
+    EXPECT_EQ(gun->ring.shotCursor, 63u);
     gun->position = vec3(2000, 1000, 0);
     gun->shoot(vec2(0, 1));
-    EXPECT_EQ(gun->shotCapacity, 128u);
-    EXPECT_EQ(gun->slices.count, 128u);
-    EXPECT_EQ(gun->shotCursor, 64u);
+    EXPECT_EQ(gun->ring.shotCapacity, 128u);
+    EXPECT_EQ(gun->ring.slices.count, 128u);
+    EXPECT_EQ(gun->ring.shotCursor, 64u);
     for (int i = 0; i < 64; ++i) {
-        EXPECT_EQ(gun->shots[i].position.x, 1000.0f + i);
-        EXPECT_EQ(gun->shots[i].finish, START + 1500);
+        EXPECT_EQ(gun->ring.shots[i].position.x, 1000.0f + i);
+        EXPECT_EQ(gun->ring.shots[i].finish, START + 1500);
     }
-    EXPECT_EQ(gun->shots[64].position.x, 2000.0f);
-    EXPECT_EQ(gun->shots[64].velocity.y, 750.0f);
-    for (unsigned i = 65; i < 128; ++i) EXPECT_EQ(gun->shots[i].finish, 0u);
+    EXPECT_EQ(gun->ring.shots[64].position.x, 2000.0f);
+    EXPECT_EQ(gun->ring.shots[64].velocity.y, 750.0f);
+    for (unsigned i = 65; i < 128; ++i) EXPECT_EQ(gun->ring.shots[i].finish, 0u);
 }
 
 TEST_F(PlasmaShots, FreedSlotIsReusedBeforeGrowing) {
     gun->rate = -1.0f;
     for (int i = 0; i < 64; ++i) gun->shoot(vec2(1, 0));
-    gun->shots[10].finish = 0;
+    gun->ring.shots[10].finish = 0;
     gun->shoot(vec2(1, 0));
-    EXPECT_EQ(gun->shotCapacity, 64u);
-    EXPECT_EQ(gun->shotCursor, 10u);
+    EXPECT_EQ(gun->ring.shotCapacity, 64u);
+    EXPECT_EQ(gun->ring.shotCursor, 10u);
 }
 
 TEST_F(PlasmaShots, EnemyPlasmaHitsFriends) {
@@ -135,5 +135,5 @@ TEST_F(PlasmaShots, EnemyPlasmaHitsFriends) {
     enemyGun->update();
     EXPECT_EQ(f->hits, 1);
     EXPECT_FLOAT_EQ(f->taken, damage);
-    EXPECT_EQ(enemyGun->shots[0].finish, 0u);
+    EXPECT_EQ(enemyGun->ring.shots[0].finish, 0u);
 }

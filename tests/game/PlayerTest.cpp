@@ -188,9 +188,9 @@ TEST_F(Ship, BrakingOnlyOnTheAxisWithoutInput) {
 TEST_F(Ship, BothWeaponsDrawOnOnePool) {
     frame(START, LEFT_BUTTON | RIGHT_BUTTON);
     EXPECT_FLOAT_EQ(player->energy, 350.0f - 2.0f - 8.0f);
-    EXPECT_EQ(player->plasma->shots[0].finish, START + 1500);
+    EXPECT_EQ(player->plasma->ring.shots[0].finish, START + 1500);
     // Fired from the ship and moved once by the plasma's own update in the same frame.
-    const Plasma::Shot& shot = player->plasma->shots[0];
+    const Plasma::Shot& shot = player->plasma->ring.shots[0];
     EXPECT_NEAR(shot.position.x, 2048.0f + shot.velocity.x / 60.0f, 1e-3);
     EXPECT_NEAR(shot.position.y, 2048.0f + shot.velocity.y / 60.0f, 1e-3);
     EXPECT_EQ(player->laser->beams[0].start, (float)START);
@@ -219,8 +219,8 @@ TEST_F(Ship, PlasmaAimsAtTheMouseInWorldCoordinates) {
     setInput(LEFT_BUTTON, 640, 360);
     player->position = vec2(640, 660);
     player->update();
-    EXPECT_FLOAT_EQ(player->plasma->shots[0].velocity.x, 0.0f);
-    EXPECT_FLOAT_EQ(player->plasma->shots[0].velocity.y, -750.0f);
+    EXPECT_FLOAT_EQ(player->plasma->ring.shots[0].velocity.x, 0.0f);
+    EXPECT_FLOAT_EQ(player->plasma->ring.shots[0].velocity.y, -750.0f);
 }
 
 TEST_F(Ship, SpeedIsLimitedTo350) {

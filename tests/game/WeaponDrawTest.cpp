@@ -36,7 +36,7 @@ protected:
 
 TEST_F(WeaponDraw, PlasmaShotSingleDrawShowsItsColour) {
     Plasma* gun = new Plasma();
-    gun->overdraw = 1;
+    gun->ring.overdraw = 1;
     gun->position = vec3(640, 360, 0);
     g_world->add(gun);
     gun->shoot(vec2(1, 0));
@@ -114,4 +114,28 @@ TEST_F(WeaponDraw, DeadBeamDrawsNothing) {
     render();
     EXPECT_EQ(readScreen().at(900, 360) & 0xffffff, 0u);
     EXPECT_EQ(readScreen().at(640, 360) & 0xffffff, 0u);
+}
+
+TEST_F(WeaponDraw, PlasmaLeavesNoPhantomShotsAfterACornerFrame) {
+    Plasma* gun = new Plasma();
+    gun->ring.overdraw = 1;
+    gun->position = vec3(4000, 4000, 0);
+    g_world->add(gun);
+    gun->shoot(vec2(1, 0));
+    orvel::Orvel::sync = 0.0f;
+
+    // Near the world's corner the shot at (4000, 4000) shows through the corner rectangle,
+    // shifted by (-4096, -4096): at (4000 - 4096 - 100 + 640, 4000 - 4096 - 100 + 360).
+    g_world->getCamera()->position = vec2(100, 100);
+    render();
+    EXPECT_NEAR(r(readScreen().at(444, 164)), 128, 1);
+
+    // In the middle of the world one rectangle remains and the shot is off screen: nothing of
+    // the corner frame's copies may show.
+    g_world->getCamera()->position = vec2(2048, 2048);
+    render();
+    const Pixels px = readScreen();
+    for (int y = 0; y < 720; y += 2) {
+        for (int x = 0; x < 1280; x += 2) ASSERT_EQ(px.at(x, y) & 0xffffff, 0u) << x << "," << y;
+    }
 }

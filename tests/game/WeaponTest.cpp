@@ -22,7 +22,7 @@ TEST_F(WeaponGate, RateZeroNeverFires) {
         EXPECT_EQ(p.shoot(vec2(1, 0)), 0.0f);
     }
     EXPECT_EQ(p.lastShot, 0.0f);
-    EXPECT_EQ(p.shots[0].finish, 0u);
+    EXPECT_EQ(p.ring.shots[0].finish, 0u);
 }
 
 TEST_F(WeaponGate, RateMinusOneAlwaysFires) {
@@ -60,28 +60,28 @@ TEST_F(WeaponGate, ConstructorNumbers) {
     EXPECT_EQ(p.damageMax, 15.0f);
     EXPECT_EQ(p.rate, 5.0f);
     EXPECT_EQ(p.energyCost, 2.0f);
-    EXPECT_EQ(p.shotCapacity, 64u);
-    EXPECT_EQ(p.slices.count, 64u);
-    EXPECT_EQ(p.shotRadius, 16.0f);
-    EXPECT_EQ(p.shotSpeed, 750.0f);
-    EXPECT_EQ(p.shotLife, 1500);
-    EXPECT_EQ(p.overdraw, 3u);
-    EXPECT_EQ(p.color.r, 128);
-    EXPECT_EQ(p.color.g, 113);
-    EXPECT_EQ(p.color.b, 255);
-    EXPECT_EQ(p.color.a, 255);
+    EXPECT_EQ(p.ring.shotCapacity, 64u);
+    EXPECT_EQ(p.ring.slices.count, 64u);
+    EXPECT_EQ(p.ring.shotRadius, 16.0f);
+    EXPECT_EQ(p.ring.shotSpeed, 750.0f);
+    EXPECT_EQ(p.ring.shotLife, 1500);
+    EXPECT_EQ(p.ring.overdraw, 3u);
+    EXPECT_EQ(p.ring.color.r, 128);
+    EXPECT_EQ(p.ring.color.g, 113);
+    EXPECT_EQ(p.ring.color.b, 255);
+    EXPECT_EQ(p.ring.color.a, 255);
 
     EnemyPlasma e;
     EXPECT_EQ(e.damageMin, 2.0f);
     EXPECT_EQ(e.damageMax, 7.0f);
     EXPECT_FLOAT_EQ(e.rate, 0.7f);
     EXPECT_EQ(e.energyCost, 1.0f);
-    EXPECT_EQ(e.shotCapacity, 16u);
-    EXPECT_EQ(e.slices.count, 16u);
-    EXPECT_EQ(e.shotRadius, 12.0f);
-    EXPECT_EQ(e.color.r, 25);
-    EXPECT_EQ(e.color.g, 255);
-    EXPECT_EQ(e.color.b, 50);
+    EXPECT_EQ(e.ring.shotCapacity, 16u);
+    EXPECT_EQ(e.ring.slices.count, 16u);
+    EXPECT_EQ(e.ring.shotRadius, 12.0f);
+    EXPECT_EQ(e.ring.color.r, 25);
+    EXPECT_EQ(e.ring.color.g, 255);
+    EXPECT_EQ(e.ring.color.b, 50);
 
     Laser l;
     EXPECT_EQ(l.damageMin, 65.0f);
