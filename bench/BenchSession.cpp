@@ -37,15 +37,6 @@ const float CLUSTER_RADIUS = 250.0f;
 // World units: the neighbourhood that decides where the ship starts.
 const float SWARM_RADIUS = 600.0f;
 
-// The shortest offset from a to b on the wrapping world.
-vec2 wrappedDelta(const vec2& a, const vec2& b) {
-    float dx = b.x - a.x;
-    float dy = b.y - a.y;
-    dx -= WORLD * std::round(dx / WORLD);
-    dy -= WORLD * std::round(dy / WORLD);
-    return vec2(dx, dy);
-}
-
 float wrappedDistance(const vec2& a, const vec2& b) {
     return wrappedDelta(a, b).length();
 }
@@ -84,6 +75,14 @@ void setInput(uint32_t buttons, int mouseX, int mouseY) {
 }
 
 } // namespace
+
+vec2 wrappedDelta(const vec2& a, const vec2& b) {
+    float dx = b.x - a.x;
+    float dy = b.y - a.y;
+    dx -= WORLD * std::round(dx / WORLD);
+    dy -= WORLD * std::round(dy / WORLD);
+    return vec2(dx, dy);
+}
 
 void BenchSession::openWindow() {
     Orvel::init(SCREEN_WIDTH, SCREEN_HEIGHT, "nightvector bench", false, false);

@@ -4,7 +4,12 @@
 
 #include <cstdint>
 
+#include "engine/Vector.h"
+
 class Enemy;
+
+// The shortest offset from a to b on the game's wrapping world.
+orvel::vec2 wrappedDelta(const orvel::vec2& a, const orvel::vec2& b);
 
 // One session at a time: it sets the globals g_world, g_hud, g_fader and g_game. The window
 // must be open and the art loaded first (openWindow).

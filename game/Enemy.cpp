@@ -8,6 +8,7 @@
 #include "engine/String.h"
 #include "game/EnemyPlasma.h"
 #include "game/EnemyWeapon.h"
+#include "game/Explosions.h"
 #include "game/Friend.h"
 #include "game/Game.h"
 #include "game/Main.h"
@@ -15,6 +16,7 @@
 #include "game/Resources.h"
 #include "game/ScoreCounter.h"
 #include "game/TextIndicator.h"
+#include "game/WorldWrap.h"
 #include "scene/Group.h"
 #include "scene/ParticleSlice.h"
 #include "scene/ParticleSystem.h"
@@ -122,10 +124,8 @@ void Enemy::updateFade() {
 // Targets the nearest-found copy of a friend in sight; attacks the first copy in range.
 // Returns whether it attacked.
 bool Enemy::searchFriends() {
-    const float w = g_world->worldWidth;
-    const float h = g_world->worldHeight;
-    const vec2 shifts[9] = {vec2(0, 0),  vec2(w, 0),  vec2(-w, 0), vec2(0, h),  vec2(0, -h),
-                            vec2(w, h),  vec2(w, -h), vec2(-w, h), vec2(-w, -h)};
+    vec2 shifts[WorldWrap::COPIES];
+    WorldWrap::copyOffsets(g_world->worldWidth, g_world->worldHeight, shifts);
     const orvel::Stack<Friend*>& friends = g_game->friends;
     for (unsigned i = 0; i < friends.count; ++i) {
         const vec2 p = friends.data[i]->position;
@@ -171,28 +171,15 @@ bool Enemy::damage(float amount) {
     const int paid = score;
     const vec2 where = position;
     destroy();
-    TextIndicator* indicator = new TextIndicator();
-    indicator->text->setText(orvel::strInt(paid).getCString());
-    indicator->startTime = Orvel::currentTime;
-    indicator->position = where;
-    g_world->add(indicator->drawable);
-    g_game->actors.push(indicator);
+    TextIndicator::show(g_world, orvel::strInt(paid).getCString(), where);
     return false;
 }
 
 void Enemy::attack() { weapon->shoot(vec2(target.x - position.x, target.y - position.y)); }
 
 void Enemy::destroy() {
-    static const vec4 minFireColor(0.6f, 0.2f, 0.05f, 1.0f);
-    static const vec4 maxFireColor(0.9f, 0.3f, 0.1f, 1.0f);
-
     hitPoints = 0.0f;
-    const float s = g_rand.randf(9.0f * radius, 12.0f * radius);
-    const int u = g_rand.randi(1000, 1200);
-    const int v = g_rand.randi(500, 600);
-    g_game->explosionParticles->emit(g_game->explosionSlice, 192, (unsigned)v, (unsigned)u, position, radius,
-                                     26.0f, 40.0f, 0.0f, 8.0f, vec2(0.0f, 0.0f), 0.0f, s, 360.0f,
-                                     minFireColor, maxFireColor);
+    emitExplosion(ENEMY_EXPLOSION, position, radius);
     g_world->add(g_game->explosionSlice);
 
     if (g_game->scoreCounter) g_game->scoreCounter->addValue(score);

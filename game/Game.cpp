@@ -22,6 +22,7 @@
 #include "game/ScoreCounter.h"
 #include "game/Starfield.h"
 #include "game/TextIndicator.h"
+#include "game/WorldWrap.h"
 #include "scene/DirectScene2D.h"
 #include "scene/Group.h"
 #include "scene/ParticleSlice.h"
@@ -69,10 +70,6 @@ int groupSize(double value) {
     return (int)value;
 }
 
-// The HUD's banner texts (waves, lives) sit here, in screen pixels.
-vec2 bannerPosition() {
-    return vec2(Orvel::getScreenWidth() * 0.5f, Orvel::getScreenHeight() * 0.4f);
-}
 
 // Memory for what kills and pickups make during play (a popup: its actor, text and the strings of
 // the number; a powerup: its actor, group and two sprites), so that fights never wait on the heap.
@@ -259,18 +256,9 @@ void Game::nextWave() {
     wave += 1;
     nextWaveTime = now() + WAVE_INTERVAL + 10.0f * (float)(wave - 1);
 
-    TextIndicator* banner = new TextIndicator();
     orvel::String line = "Wave " + orvel::strInt(wave);
     line += " incoming";
-    banner->text->setText(line.getCString());
-    banner->text->color = orvel::vec4(1.0f, 1.0f, 1.0f, 1.0f);
-    banner->text->fontSize = 16.0f;
-    banner->text->setHotSpot(Center);
-    banner->startTime = Orvel::currentTime;
-    banner->scale = 1.5f;
-    banner->position = bannerPosition();
-    g_hud->add(banner->drawable);
-    actors.push(banner);
+    TextIndicator::showBanner(line.getCString());
 
     growthA = (float)((double)growthA * 1.07);
     growthB = (float)((double)growthB * 1.002);
@@ -298,10 +286,8 @@ void Game::nextWave() {
 }
 
 void Game::killEnemiesInRadius(vec2& centre, float radius) {
-    const float w = g_world->worldWidth;
-    const float h = g_world->worldHeight;
-    const vec2 shifts[9] = {vec2(0, 0),  vec2(w, 0), vec2(-w, 0),  vec2(0, h), vec2(0, -h),
-                            vec2(w, -h), vec2(w, h), vec2(-w, -h), vec2(-w, h)};
+    vec2 shifts[WorldWrap::COPIES];
+    WorldWrap::copyOffsets(g_world->worldWidth, g_world->worldHeight, shifts);
     // The enemy swapped into a destroyed one's slot is not examined again this call.
     for (unsigned i = 0; i < enemies.count; ++i) {
         Enemy* enemy = enemies.data[i];

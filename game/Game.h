@@ -30,7 +30,8 @@ public:
     static const unsigned LIST_CAPACITY = 128;
 
     // The lists, both particle systems, the explosion slice, the starfield and the game-over
-    // text. Everything else is made by init().
+    // text. Everything else is made by init(). The session lives to the end of the program, so
+    // nothing it makes is ever freed by it; whoever deletes a Game deletes those first.
     Game();
     // Frees the storage of the five lists only.
     ~Game();
@@ -61,10 +62,10 @@ public:
     orvel::Stack<Powerup*> powerups;    // live powerups
     Player* player;                     // made by init()
     Reticle* reticle;                   // on the HUD; made by init()
-    ParticleSystem* particles;          // 1024 particles for hits and sparks; owned
-    ParticleSystem* explosionParticles; // 4096 particles for explosions; owned
+    ParticleSystem* particles;          // 1024 particles for hits and sparks
+    ParticleSystem* explosionParticles; // 4096 particles for explosions
     ParticleSlice* explosionSlice;      // every explosion goes here; leaves the scene when empty
-    Starfield* starfield;               // drawn first in the world; owned
+    Starfield* starfield;               // drawn first in the world
     ScoreCounter* scoreCounter;         // the score box's counter; holds the score
     ScoreCounter* weaponCounter;        // the weapon box's third counter; shows the upgrade points
     HUD_ScoreBox* scoreBox;
@@ -74,7 +75,7 @@ public:
     // the life of the session.
     RadarDisplay* radarDisplay;
     EnergyGauges* energyGauges;
-    Text* gameOverText;  // "Game Over", on the HUD once the game is over; owned
+    Text* gameOverText;  // "Game Over", on the HUD once the game is over
     float gameOverStart; // ms of Orvel::currentTime; fade-in interval of the game-over text
     float gameOverEnd;
     float shakeMagnitude; // world units at the start of the shake, easing out to 0

@@ -1,11 +1,11 @@
 #include "game/Laser.h"
 
 #include "engine/GL.h"
+#include "engine/Math.h"
 #include "engine/Orvel.h"
 #include "engine/Random.h"
-#include "engine/ShaderProgram.h"
 #include "engine/Texture.h"
-#include "game/Enemy.h"
+#include "game/Actor.h"
 #include "game/Game.h"
 #include "game/Main.h"
 #include "game/Resources.h"
@@ -13,7 +13,6 @@
 #include "scene/ParticleSlice.h"
 #include "scene/ParticleSystem.h"
 #include "scene/Scene2D.h"
-#include "scene/Shaders.h"
 
 using orvel::Orvel;
 using orvel::Stack;
@@ -26,38 +25,25 @@ namespace {
 // Half side of a glow square per unit of beam width.
 const float GLOW_SCALE = 20.0f;
 
-// Pushes a square of half side `half` centred on `c`, the whole image, in colour `k`.
-void pushSquare(Stack<Laser::Vertex>& v, const vec2& c, float half, const Color4ub& k) {
-    v.push(Laser::Vertex{c.x - half, c.y - half, 0.0f, 0.0f, k.r, k.g, k.b, k.a});
-    v.push(Laser::Vertex{c.x + half, c.y - half, 1.0f, 0.0f, k.r, k.g, k.b, k.a});
-    v.push(Laser::Vertex{c.x + half, c.y + half, 1.0f, 1.0f, k.r, k.g, k.b, k.a});
-    v.push(Laser::Vertex{c.x - half, c.y + half, 0.0f, 1.0f, k.r, k.g, k.b, k.a});
-}
+// The sparks a burning beam throws back towards the ship; a hit sets their start size from the
+// beam's width, so the emitter's default stands until then.
+const ParticleBurst SPARKS = {0,     300,   450,   4.0f,  16.0f, 16.0f, 5.0f, 8.0f, 5.0f, 90.0f, 40.0f,
+                             vec4(0.6f, 0.2f, 0.05f, 0.0f), vec4(0.9f, 0.3f, 0.1f, 0.0f)};
 
-// Draws the batch `times` times with `tex` and empties it.
-void flush(Stack<Laser::Vertex>& v, Texture* tex, unsigned times) {
-    if (v.count > 0) {
-        if (tex) {
-            tex->bind(GL_TEXTURE0);
-        } else {
-            glActiveTexture(GL_TEXTURE0);
-            glBindTexture(GL_TEXTURE_2D, 0);
-        }
-        const GLsizei stride = sizeof(Laser::Vertex);
-        glVertexPointer(2, GL_FLOAT, stride, &v.data->x);
-        glTexCoordPointer(2, GL_FLOAT, stride, &v.data->u);
-        glColorPointer(4, GL_UNSIGNED_BYTE, stride, &v.data->r);
-        for (unsigned k = 0; k < times; ++k) glDrawArrays(GL_QUADS, 0, (GLsizei)v.count);
-    }
-    v.clear();
+// One channel of the beam colour: a fraction of full scale clamped to a byte and truncated.
+uint8_t channel(float scaled) {
+    return (uint8_t)(int)orvel::Math::clampf(scaled, 0.0f, 255.0f);
 }
 
 } // namespace
 
+const Color4ub Laser::BEAM_COLOR = {channel(0.3f * 255.0f), channel(0.3f * 255.0f), channel(255.0f),
+                                    channel(0.88f * 255.0f)};
+
 Laser::Laser()
     : glowTexture(Resources::proc_particle1_tex), impactTexture(Resources::proc_particle1_tex),
       beamTexture(Resources::laser_tex), beams(new Beam[BEAMS + 1]()), emitters(BEAMS), slices(BEAMS),
-      nextBeam(0), color{76, 76, 255, 224}, overdraw(4), beamWidth(7.0f), beamLife(650.0f) {
+      nextBeam(0), color(BEAM_COLOR), overdraw(4), beamWidth(7.0f), beamLife(650.0f) {
     damageMin = 65.0f;
     damageMax = 85.0f;
     rate = 4.0f;
@@ -66,16 +52,7 @@ Laser::Laser()
     for (unsigned i = 0; i < BEAMS; ++i) {
         ParticleSlice* slice = g_game->particles->createSlice(true, false);
         ParticleEmitter* e = g_game->particles->createEmitter(slice);
-        e->colorA = vec4(0.6f, 0.2f, 0.05f, 0.0f);
-        e->colorB = vec4(0.9f, 0.3f, 0.1f, 0.0f);
-        e->lifeMin = 300.0f;
-        e->lifeMax = 450.0f;
-        e->speedMin = 5.0f;
-        e->speedMax = 90.0f;
-        e->sizeEndMin = 5.0f;
-        e->sizeEndMax = 8.0f;
-        e->spread = 40.0f;
-        e->radius = 4.0f;
+        e->setParticles(SPARKS);
         e->rate = 0;
         slices.push(slice);
         emitters.push(e);
@@ -130,10 +107,9 @@ void Laser::update() {
             e->rate = 0;
         } else {
             b.end = h.point;
-            Enemy* target = static_cast<Enemy*>(h.actor);
             // Damage is per second of contact. A false return means the enemy is gone.
-            if (target->damage(g_rand.randf(damageMin, damageMax) * Orvel::sync)) {
-                slices.data[i]->insertAfter(target->drawable);
+            if (damageTarget(h.actor, g_rand.randf(damageMin, damageMax) * Orvel::sync)) {
+                slices.data[i]->insertAfter(h.actor->drawable);
                 e->rate = 300;
                 e->position = h.point;
                 // Sparks fly back towards the ship and shrink as the beam thins.
@@ -150,8 +126,8 @@ void Laser::update() {
 }
 
 void Laser::draw(SceneState&) {
-    static Stack<Vertex> vertices(BEAMS * 4);
-    vertices.clear();
+    static QuadBatch batch(BEAMS);
+    batch.clear();
     const float now = (float)Orvel::currentTime;
     const vec2 muzzle(position.x, position.y);
     // Additive repeats make the beams brighter.
@@ -159,20 +135,14 @@ void Laser::draw(SceneState&) {
 
     glEnable(GL_BLEND);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE);
-    if (Shaders::texture_shader_fixed) {
-        Shaders::texture_shader_fixed->bind();
-        Shaders::texture_shader_fixed->setUniform("texture", 0);
-    }
-    glEnableClientState(GL_VERTEX_ARRAY);
-    glEnableClientState(GL_TEXTURE_COORD_ARRAY);
-    glEnableClientState(GL_COLOR_ARRAY);
+    QuadBatch::useTextureShader();
 
     // Muzzle glows.
     for (unsigned i = 0; i < BEAMS; ++i) {
         const Beam& b = beams[i];
-        if (b.finish > now) pushSquare(vertices, muzzle, GLOW_SCALE * b.width, b.color);
+        if (b.finish > now) batch.pushSquare(muzzle.x, muzzle.y, GLOW_SCALE * b.width, b.color);
     }
-    flush(vertices, glowTexture, times);
+    batch.flush(glowTexture, times);
 
     // Beam bodies: the muzzle-to-end segment widened by `width` to each side.
     for (unsigned i = 0; i < BEAMS; ++i) {
@@ -181,18 +151,14 @@ void Laser::draw(SceneState&) {
         vec2 across(-(b.end.y - muzzle.y), b.end.x - muzzle.x);
         across.normalize();
         across *= b.width;
-        const Color4ub& k = b.color;
-        vertices.push(Vertex{muzzle.x + across.x, muzzle.y + across.y, 0.0f, 0.0f, k.r, k.g, k.b, k.a});
-        vertices.push(Vertex{b.end.x + across.x, b.end.y + across.y, 1.0f, 0.0f, k.r, k.g, k.b, k.a});
-        vertices.push(Vertex{b.end.x - across.x, b.end.y - across.y, 1.0f, 1.0f, k.r, k.g, k.b, k.a});
-        vertices.push(Vertex{muzzle.x - across.x, muzzle.y - across.y, 0.0f, 1.0f, k.r, k.g, k.b, k.a});
+        batch.pushQuad(muzzle + across, b.end + across, b.end - across, muzzle - across, b.color);
     }
-    flush(vertices, beamTexture, times);
+    batch.flush(beamTexture, times);
 
     // Impact glows at the far ends.
     for (unsigned i = 0; i < BEAMS; ++i) {
         const Beam& b = beams[i];
-        if (b.finish > now) pushSquare(vertices, b.end, GLOW_SCALE * b.width, b.color);
+        if (b.finish > now) batch.pushSquare(b.end.x, b.end.y, GLOW_SCALE * b.width, b.color);
     }
-    flush(vertices, impactTexture, times);
+    batch.flush(impactTexture, times);
 }

@@ -1,11 +1,10 @@
 #pragma once
 // The player's laser: short-lived beams that follow the mouse and burn what they touch.
 
-#include <cstdint>
-
 #include "engine/Stack.h"
 #include "engine/Vector.h"
 #include "game/Weapon.h"
+#include "scene/QuadBatch.h"
 
 class ParticleEmitter;
 class ParticleSlice;
@@ -30,11 +29,11 @@ public:
     };
 
     // One corner of a quad, 20 bytes interleaved.
-    struct Vertex {
-        float x, y;
-        float u, v;
-        uint8_t r, g, b, a;
-    };
+    using Vertex = QuadBatch::Vertex;
+
+    // A fresh beam's colour: 0.3, 0.3, 1 and 0.88 of full scale, each clamped to a byte and
+    // truncated: (76, 76, 255, 224).
+    static const Color4ub BEAM_COLOR;
 
     // 32 idle beams, each with a spark slice and emitter on g_game's particle system.
     Laser();
@@ -64,5 +63,3 @@ public:
     float beamWidth;               // width of a fresh beam
     float beamLife;                // ms
 };
-
-static_assert(sizeof(Laser::Vertex) == 20, "laser vertices are 20 bytes");

@@ -37,13 +37,6 @@ namespace {
 const char* const CAPTION = "Nightvector - Unfinished CVC '11 version";
 const float WORLD_SIZE = 4096;
 
-// SDL key symbols and mouse buttons the program reacts to.
-const int KEY_RETURN = 13;
-const int KEY_ESCAPE = 27;
-const int KEY_SPACE = 32;
-const int KEY_KEYPAD_ENTER = 271;
-const int KEY_F1 = 282;
-
 struct IntroLine {
     const char* text;
     float extraGap; // added above the line, beyond the usual spacing
@@ -69,7 +62,7 @@ const float INTRO_TOP = 25;
 const float INTRO_SPACING = 9;
 
 bool startInput() {
-    return Orvel::keyPressed(KEY_RETURN) || Orvel::keyPressed(KEY_SPACE) || Orvel::keyPressed(KEY_KEYPAD_ENTER) ||
+    return Orvel::keyPressed(SDLK_RETURN) || Orvel::keyPressed(SDLK_SPACE) || Orvel::keyPressed(SDLK_KP_ENTER) ||
            Orvel::mouseDown(1) || Orvel::mouseDown(2) || Orvel::mouseDown(3);
 }
 
@@ -178,12 +171,12 @@ void runFrameLogic() {
     if (runlevel == RUNLEVEL_TO_GAME && g_fader->done()) startGame();
 
     // Escape waits for a running fade to finish; the music fades 50 ms ahead of the picture.
-    if (g_fader->done() && Orvel::keyPressed(KEY_ESCAPE)) {
+    if (g_fader->done() && Orvel::keyPressed(SDLK_ESCAPE)) {
         fadeToBlack();
         Mix_FadeOutMusic(950);
         runlevel = RUNLEVEL_FADING_OUT;
     }
-    if (Orvel::keyPressed(KEY_F1)) saveScreenshot();
+    if (Orvel::keyPressed(SDLK_F1)) saveScreenshot();
     if (runlevel == RUNLEVEL_FADING_OUT && g_fader->done()) runlevel = RUNLEVEL_QUIT;
 }
 

@@ -3,10 +3,13 @@
 #include <cmath>
 #include <cstdio>
 
+#include <SDL/SDL_keysym.h>
+
 #include "engine/Math.h"
 #include "engine/Orvel.h"
 #include "engine/Random.h"
 #include "engine/String.h"
+#include "game/Explosions.h"
 #include "game/Game.h"
 #include "game/Laser.h"
 #include "game/Main.h"
@@ -30,11 +33,6 @@ using orvel::vec4;
 
 namespace {
 
-// SDL key symbols of the steering keys.
-const int KEY_W = 119;
-const int KEY_S = 115;
-const int KEY_A = 97;
-const int KEY_D = 100;
 // SDL mouse buttons of the two weapons.
 const int BUTTON_PLASMA = 1;
 const int BUTTON_LASER = 3;
@@ -52,6 +50,10 @@ const float RESPAWN_WAIT = 2500.0f;
 const float RESPAWN_FLIGHT = 3500.0f;
 // Distance from the world origin of the point the ship flies back to.
 const float RESPAWN_DISTANCE = 1920.0f;
+
+// The exhaust: short-lived blue puffs that shrink to nothing, born at the emitter's point.
+const ParticleBurst EXHAUST = {0,     200,   500,   0.0f,  40.0f, 48.0f, 0.0f, 5.0f, 0.0f, 50.0f, 50.0f,
+                               vec4(0.35f, 0.5f, 0.8f, 0.3f), vec4(0.35f, 0.6f, 1.0f, 0.5f)};
 
 // Limits the length of v to `limit`, keeping its direction.
 void limitLength(vec2& v, float limit) {
@@ -84,17 +86,7 @@ Player::Player()
     trail->drawMode = BlendAdd;
     trail->defaultSlice->setDrawMode(BlendAdd);
     trailEmitter = trail->createEmitter(nullptr);
-    trailEmitter->colorA = vec4(0.35f, 0.5f, 0.8f, 0.3f);
-    trailEmitter->colorB = vec4(0.35f, 0.6f, 1.0f, 0.5f);
-    trailEmitter->lifeMin = 200.0f;
-    trailEmitter->lifeMax = 500.0f;
-    trailEmitter->speedMin = 0.0f;
-    trailEmitter->speedMax = 50.0f;
-    trailEmitter->sizeStartMin = 40.0f;
-    trailEmitter->sizeStartMax = 48.0f;
-    trailEmitter->sizeEndMin = 0.0f;
-    trailEmitter->sizeEndMax = 5.0f;
-    trailEmitter->spread = 50.0f;
+    trailEmitter->setParticles(EXHAUST);
 
     group = new Group();
     laser = new Laser();
@@ -116,11 +108,7 @@ Player::Player()
     group->add(topGlow);
     drawable = group;
 
-    // 0.3 x 255, 0.3 x 255, 255 and 0.88 x 255, clamped to a byte and truncated.
-    laser->color = Color4ub{(uint8_t)(int)Math::clampf(0.3f * 255.0f, 0.0f, 255.0f),
-                            (uint8_t)(int)Math::clampf(0.3f * 255.0f, 0.0f, 255.0f),
-                            (uint8_t)(int)Math::clampf(255.0f, 0.0f, 255.0f),
-                            (uint8_t)(int)Math::clampf(0.88f * 255.0f, 0.0f, 255.0f)};
+    laser->color = Laser::BEAM_COLOR;
 
     energyText = new Text(Resources::font_big, "Energy: 350");
     energyText->fontSize = 15.0f;
@@ -180,10 +168,10 @@ void Player::updateControl() {
     const float b = BRAKE * sync;
     float dx = 0.0f;
     float dy = 0.0f;
-    if (Orvel::keyDown(KEY_W)) dy = -a;
-    if (Orvel::keyDown(KEY_S)) dy += a;
-    if (Orvel::keyDown(KEY_A)) dx = -a;
-    if (Orvel::keyDown(KEY_D)) dx += a;
+    if (Orvel::keyDown(SDLK_w)) dy = -a;
+    if (Orvel::keyDown(SDLK_s)) dy += a;
+    if (Orvel::keyDown(SDLK_a)) dx = -a;
+    if (Orvel::keyDown(SDLK_d)) dx += a;
     const bool steeringX = dx != 0.0f;
     const bool steeringY = dy != 0.0f;
 
@@ -278,26 +266,11 @@ bool Player::damage(float amount) {
 }
 
 void Player::destroy() {
-    static const vec4 minFireColor(0.6f, 0.2f, 0.05f, 1.0f);
-    static const vec4 maxFireColor(0.9f, 0.3f, 0.1f, 1.0f);
-    static const vec4 minBlueColor(0.1f, 0.1f, 0.7f, 0.87f);
-    static const vec4 maxBlueColor(0.2f, 0.1f, 0.9f, 1.0f);
     const float now = (float)Orvel::currentTime;
 
     hull = 0.0f;
-
-    float s = g_rand.randf(9.0f * radius, 12.0f * radius);
-    int u = g_rand.randi(2899, 3125);
-    int v = g_rand.randi(1233, 1655);
-    g_game->explosionParticles->emit(g_game->explosionSlice, 256, (unsigned)v, (unsigned)u, position,
-                                     radius * 1.43f, 26.0f, 40.0f, 0.0f, 8.0f, vec2(0.0f, 0.0f), 0.0f, s,
-                                     360.0f, minBlueColor, maxBlueColor);
-    s = g_rand.randf(9.0f * radius, 12.0f * radius);
-    u = g_rand.randi(5622, 6234);
-    v = g_rand.randi(500, 600);
-    g_game->explosionParticles->emit(g_game->explosionSlice, 512, (unsigned)v, (unsigned)u, position,
-                                     radius * 1.22f, 26.0f, 40.0f, 0.0f, 8.0f, vec2(0.0f, 0.0f), 0.0f, s,
-                                     360.0f, minFireColor, maxFireColor);
+    emitExplosion(PLAYER_BLUE_BURST, position, radius);
+    emitExplosion(PLAYER_FIRE_BURST, position, radius);
     if (g_world) g_world->add(g_game->explosionSlice);
 
     scale = 0.0f;
@@ -331,19 +304,9 @@ void Player::spawn() {
     spawnEnd = now + GROW_TIME;
 
     g_game->lives -= 1;
-    TextIndicator* banner = new TextIndicator();
     orvel::String line = orvel::strInt(g_game->lives);
     line += " lives left";
-    banner->text->setText(line.getCString());
-    banner->text->font = Resources::font_medium;
-    banner->text->color = vec4(1.0f, 1.0f, 1.0f, 1.0f);
-    banner->text->fontSize = 16.0f;
-    banner->text->setHotSpot(Center);
-    banner->startTime = Orvel::currentTime;
-    banner->scale = 1.5f;
-    banner->position = vec2(Orvel::getScreenWidth() * 0.5f, Orvel::getScreenHeight() * 0.4f);
-    if (g_hud) g_hud->add(banner->drawable);
-    g_game->actors.push(banner);
+    TextIndicator::showBanner(line.getCString());
 
     if (respawnStart - respawnEnd != 0.0f) {
         g_game->friends.push(this);

@@ -181,15 +181,9 @@ void Powerup::collect() {
         break;
     }
 
-    TextIndicator* indicator = new TextIndicator();
-    indicator->text->setText(message.getCString());
-    indicator->text->font = Resources::font_medium;
-    indicator->text->fontSize = 16.0f;
+    TextIndicator* indicator =
+        TextIndicator::show(g_world, message.getCString(), vec2(position.x, position.y - MESSAGE_RISE));
     indicator->text->color = ic;
-    indicator->text->setHotSpot(Center);
-    indicator->startTime = Orvel::currentTime;
-    indicator->position = vec2(position.x, position.y - MESSAGE_RISE);
+    // In place from the start: a pickup outside the actors' loop is drawn before its first update.
     indicator->text->position = orvel::vec3(position.x, position.y - MESSAGE_RISE, 0.0f);
-    if (g_world) g_world->add(indicator->drawable);
-    g_game->actors.push(indicator);
 }

@@ -4,7 +4,6 @@
 
 #include "engine/GL.h"
 #include "engine/Math.h"
-#include "engine/ShaderProgram.h"
 #include "engine/Texture.h"
 #include "game/Enemy.h"
 #include "game/Game.h"
@@ -13,7 +12,7 @@
 #include "game/Powerup.h"
 #include "game/Resources.h"
 #include "scene/Scene2D.h"
-#include "scene/Shaders.h"
+#include "scene/QuadBatch.h"
 
 using orvel::Math;
 using orvel::Stack;
@@ -35,14 +34,6 @@ const float BLIP_SIZE = 10.0f;
 // Red for enemies, green for powerups, both clear of the dial's blues.
 const uint32_t ENEMY_COLOR = 0xff3c46ffu;   // R 255, G 70, B 60
 const uint32_t POWERUP_COLOR = 0xff78ff5au; // R 90, G 255, B 120
-const unsigned QUAD_VERTICES = 4;
-
-// One interleaved vertex of the blip batch.
-struct BlipVertex {
-    float x, y;
-    float u, v;
-    uint8_t r, g, b, a;
-};
 
 // Byte `shift` / 8 of a packed colour (red in the low byte) scaled by factor / 255.
 uint8_t scaledChannel(uint32_t color, int shift, uint8_t factor) {
@@ -100,8 +91,8 @@ void RadarDisplay::draw(SceneState& state) {
 
     // Grows with the first crowded frames, then is only emptied. The client arrays point into
     // it during the single draw below.
-    static Stack<BlipVertex> vertices(BLIP_CAPACITY * QUAD_VERTICES);
-    vertices.clear();
+    static QuadBatch batch(BLIP_CAPACITY);
+    batch.clear();
 
     // Blips are squares of the mask itself, sampled where they lie on the dial: the mask's
     // alpha is what clips them to the disc, and its white colour takes the vertex colour.
@@ -124,25 +115,11 @@ void RadarDisplay::draw(SceneState& state) {
         uint8_t a = scaledChannel(c, 24, state.color.a);
         float ax = DIAL_CENTRE + p.x - half, bx = DIAL_CENTRE + p.x + half;
         float ay = DIAL_CENTRE + p.y - half, by = DIAL_CENTRE + p.y + half;
-        vertices.push({ox + ax, oy + ay, ax * su, ay * tv, r, g, bl, a});
-        vertices.push({ox + bx, oy + ay, bx * su, ay * tv, r, g, bl, a});
-        vertices.push({ox + bx, oy + by, bx * su, by * tv, r, g, bl, a});
-        vertices.push({ox + ax, oy + by, ax * su, by * tv, r, g, bl, a});
+        batch.pushRect(ox + ax, oy + ay, ox + bx, oy + by, ax * su, ay * tv, bx * su, by * tv,
+                       Color4ub{r, g, bl, a});
     }
-    if (vertices.isEmpty()) return;
+    if (batch.isEmpty()) return;
 
-    if (Shaders::texture_shader_fixed) {
-        Shaders::texture_shader_fixed->bind();
-        Shaders::texture_shader_fixed->setUniform("texture", 0);
-    }
-    mask->bind(GL_TEXTURE0);
-    glClientActiveTexture(GL_TEXTURE0);
-    glEnableClientState(GL_VERTEX_ARRAY);
-    glEnableClientState(GL_COLOR_ARRAY);
-    glEnableClientState(GL_TEXTURE_COORD_ARRAY);
-    glVertexPointer(2, GL_FLOAT, sizeof(BlipVertex), &vertices.data[0].x);
-    glTexCoordPointer(2, GL_FLOAT, sizeof(BlipVertex), &vertices.data[0].u);
-    glColorPointer(4, GL_UNSIGNED_BYTE, sizeof(BlipVertex), &vertices.data[0].r);
-    glDrawArrays(GL_QUADS, 0, (GLsizei)vertices.count);
-    vertices.clear();
+    QuadBatch::useTextureShader();
+    batch.flush(mask);
 }

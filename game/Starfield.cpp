@@ -5,17 +5,13 @@
 #include "engine/GL.h"
 #include "engine/Math.h"
 #include "engine/Orvel.h"
-#include "engine/ShaderProgram.h"
-#include "engine/Stack.h"
 #include "engine/Texture.h"
 #include "game/Main.h"
 #include "game/Resources.h"
 #include "scene/Scene2D.h"
-#include "scene/Shaders.h"
 
 using orvel::Math;
 using orvel::Orvel;
-using orvel::Stack;
 using orvel::vec2;
 using orvel::vec3;
 
@@ -108,18 +104,15 @@ void Starfield::drawSky() {
     camera.fov = SKY_FOV;
     camera.lookAt(vec3(0.0f, 1.5f + std::cos(2.1f * t), 1.0f));
     camera.bind(orvel::Camera::PROJECTION | orvel::Camera::ROTATION | orvel::Camera::TRANSLATION);
-    if (Shaders::texture_shader_fixed) {
-        Shaders::texture_shader_fixed->bind();
-        Shaders::texture_shader_fixed->setUniform("texture", 0);
-    }
+    QuadBatch::useTextureShader();
     sky.draw(&camera);
 }
 
 void Starfield::drawStars(SceneState& state) {
     // One block for every frame: filled up to a batch, drawn, emptied. The client arrays point
     // into it, so it never moves.
-    static Stack<Vertex> vertices(VERTEX_CAPACITY);
-    vertices.clear();
+    static QuadBatch batch(BATCH_CAPACITY);
+    batch.clear();
 
     glMatrixMode(GL_PROJECTION);
     glLoadMatrixf(state.projection2D->m);
@@ -127,20 +120,11 @@ void Starfield::drawStars(SceneState& state) {
     glLoadIdentity();
     glTranslatef(-(float)(Orvel::getScreenWidth() / 2), -(float)(Orvel::getScreenHeight() / 2), 0.0f);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE);
-    if (Shaders::texture_shader_fixed) {
-        Shaders::texture_shader_fixed->bind();
-        Shaders::texture_shader_fixed->setUniform("texture", 0);
-    }
+    QuadBatch::useTextureShader();
     // Without the star art the quads take whatever unit 0 holds: visible, never a crash.
     if (starTexture) starTexture->bind(GL_TEXTURE0);
     glEnable(GL_TEXTURE_2D);
-    glClientActiveTexture(GL_TEXTURE0);
-    glEnableClientState(GL_VERTEX_ARRAY);
-    glEnableClientState(GL_COLOR_ARRAY);
-    glEnableClientState(GL_TEXTURE_COORD_ARRAY);
-    glVertexPointer(2, GL_FLOAT, sizeof(Vertex), &vertices.data[0].x);
-    glTexCoordPointer(2, GL_FLOAT, sizeof(Vertex), &vertices.data[0].u);
-    glColorPointer(4, GL_UNSIGNED_BYTE, sizeof(Vertex), &vertices.data[0].r);
+    batch.bindArrays();
 
     const unsigned batchVertices = STARS_PER_BATCH * QUAD_VERTICES;
     for (unsigned i = 0; i < starCount; ++i) {
@@ -148,15 +132,13 @@ void Starfield::drawStars(SceneState& state) {
         float hw = 0.5f * starWidth * s.size;
         float hh = 0.5f * starHeight * s.size;
         uint8_t a = (uint8_t)(s.color[3] * s.brightness);
-        vertices.push({s.x - hw, s.y - hh, 0.0f, 0.0f, s.color[0], s.color[1], s.color[2], a});
-        vertices.push({s.x + hw, s.y - hh, 1.0f, 0.0f, s.color[0], s.color[1], s.color[2], a});
-        vertices.push({s.x + hw, s.y + hh, 1.0f, 1.0f, s.color[0], s.color[1], s.color[2], a});
-        vertices.push({s.x - hw, s.y + hh, 0.0f, 1.0f, s.color[0], s.color[1], s.color[2], a});
-        if (vertices.count == batchVertices) {
-            glDrawArrays(GL_QUADS, 0, (GLsizei)vertices.count);
-            vertices.clear();
+        batch.pushRect(s.x - hw, s.y - hh, s.x + hw, s.y + hh, 0.0f, 0.0f, 1.0f, 1.0f,
+                       Color4ub{s.color[0], s.color[1], s.color[2], a});
+        if (batch.vertexCount() == batchVertices) {
+            batch.drawQuads();
+            batch.clear();
         }
     }
-    if (vertices.count > 0) glDrawArrays(GL_QUADS, 0, (GLsizei)vertices.count);
-    vertices.clear();
+    if (!batch.isEmpty()) batch.drawQuads();
+    batch.clear();
 }

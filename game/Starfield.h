@@ -7,6 +7,7 @@
 #include "engine/Skybox.h"
 #include "engine/Vector.h"
 #include "scene/Effect.h"
+#include "scene/QuadBatch.h"
 
 namespace orvel {
 class Texture;
@@ -26,15 +27,11 @@ public:
         float size;       // quad scale, [0.2, 0.7]
     };
     // One interleaved vertex of the star batch: 20 bytes.
-    struct Vertex {
-        float x, y;
-        float u, v;
-        uint8_t r, g, b, a;
-    };
+    using Vertex = QuadBatch::Vertex;
 
-    // Stars drawn per batch, and the vertex stack's capacity.
+    // Stars drawn per batch, and the batch's room in stars.
     static const unsigned STARS_PER_BATCH = 128;
-    static const unsigned VERTEX_CAPACITY = 1024;
+    static const unsigned BATCH_CAPACITY = 256;
 
     // `count` stars scattered with g_rand; the skybox with the game's six faces at brightness
     // 0.82 and rotation (7, 0, 56) degrees. Needs Resources loaded for the textures.
