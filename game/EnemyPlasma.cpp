@@ -1,13 +1,6 @@
 #include "game/EnemyPlasma.h"
 
-using orvel::vec4;
-
-namespace {
-
 // Green shots with fire-coloured sparks.
-const PlasmaSettings SETTINGS = {EnemyPlasma::INITIAL_SHOTS, 2.0f, 7.0f, 0.7f, 1.0f, 12.0f, Color4ub{25, 255, 50, 255},
-                                   vec4(0.6f, 0.2f, 0.05f, 1.0f), vec4(0.9f, 0.3f, 0.1f, 1.0f)};
-
-} // namespace
-
-EnemyPlasma::EnemyPlasma() : PlasmaGun(SETTINGS) {}
+EnemyPlasma::EnemyPlasma()
+    : PlasmaGun(PlasmaSettings{INITIAL_SHOTS, 2.0f, 7.0f, 0.7f, 1.0f, 12.0f, Color4ub{25, 255, 50, 255},
+                               orvel::vec4(0.6f, 0.2f, 0.05f, 1.0f), orvel::vec4(0.9f, 0.3f, 0.1f, 1.0f)}) {}

@@ -34,16 +34,24 @@ const ExplosionBurst ENEMY_EXPLOSION = {192, 1000, 1200, 500, 600, 1.0f, FIRE_MI
 const ExplosionBurst PLAYER_BLUE_BURST = {256, 2899, 3125, 1233, 1655, 1.43f, BLUE_MIN, BLUE_MAX};
 const ExplosionBurst PLAYER_FIRE_BURST = {512, 5622, 6234, 500, 600, 1.22f, FIRE_MIN, FIRE_MAX};
 
-void emitExplosion(ParticleSystem& system, ParticleSlice* slice, const ExplosionBurst& burst, const vec2& position,
-                   float radius) {
+void emitExplosion(ParticleSystem& system, ParticleSlice* slice, const ExplosionBurst& burst,
+                   const vec2& position, float radius) {
     const float reach = g_rand.randf(REACH_MIN * radius, REACH_MAX * radius);
     const int longest = g_rand.randi(burst.longestLifeMin, burst.longestLifeMax);
     const int shortest = g_rand.randi(burst.shortestLifeMin, burst.shortestLifeMax);
-    const ParticleBurst particles = {burst.count,    (unsigned)shortest, (unsigned)longest,
-                                     radius * burst.radiusFactor,        SIZE_START_MIN,
-                                     SIZE_START_MAX, SIZE_END_MIN,       SIZE_END_MAX,
-                                     0.0f,           reach,              SPREAD,
-                                     burst.colorA,   burst.colorB};
+    const ParticleBurst particles = {burst.count,
+                                     (unsigned)shortest,
+                                     (unsigned)longest,
+                                     radius * burst.radiusFactor,
+                                     SIZE_START_MIN,
+                                     SIZE_START_MAX,
+                                     SIZE_END_MIN,
+                                     SIZE_END_MAX,
+                                     0.0f,
+                                     reach,
+                                     SPREAD,
+                                     burst.colorA,
+                                     burst.colorB};
     system.emit(slice, particles, position, vec2(0.0f, 0.0f));
 }
 
@@ -51,7 +59,15 @@ void emitExplosion(const ExplosionBurst& burst, const vec2& position, float radi
     emitExplosion(*g_game->explosionParticles, g_game->explosionSlice, burst, position, radius);
 }
 
-void createSmallExplosion(const vec2& position, float radius) { createExplosion(position, radius); }
-void createMediumExplosion(const vec2& position, float radius) { createExplosion(position, radius); }
-void createBigExplosion(const vec2& position, float radius) { createExplosion(position, radius); }
-void createHugeExplosion(const vec2& position, float radius) { createExplosion(position, radius); }
+void createSmallExplosion(const vec2& position, float radius) {
+    createExplosion(position, radius);
+}
+void createMediumExplosion(const vec2& position, float radius) {
+    createExplosion(position, radius);
+}
+void createBigExplosion(const vec2& position, float radius) {
+    createExplosion(position, radius);
+}
+void createHugeExplosion(const vec2& position, float radius) {
+    createExplosion(position, radius);
+}

@@ -34,8 +34,8 @@ public:
     // Deals `amount` to a target that findHit returned; false once the target is gone.
     virtual bool damageTarget(Actor* target, float amount) = 0;
 
-    int enabled;      // 1 after construction
-    float damageMin;  // range of one random damage value
+    int enabled;     // 1 after construction
+    float damageMin; // range of one random damage value
     float damageMax;
     float rate;       // shots per second; 0 never fires, -1 has no limit
     float energyCost; // energy one shot costs; returned by shoot when allowed

@@ -27,7 +27,7 @@ const float GLOW_SCALE = 20.0f;
 
 // The sparks a burning beam throws back towards the ship; a hit sets their start size from the
 // beam's width, so the emitter's default stands until then.
-const ParticleBurst SPARKS = {0,     300,   450,   4.0f,  16.0f, 16.0f, 5.0f, 8.0f, 5.0f, 90.0f, 40.0f,
+const ParticleBurst SPARKS = {0, 300, 450, 4.0f, 16.0f, 16.0f, 5.0f, 8.0f, 5.0f, 90.0f, 40.0f,
                              vec4(0.6f, 0.2f, 0.05f, 0.0f), vec4(0.9f, 0.3f, 0.1f, 0.0f)};
 
 // One channel of the beam colour: a fraction of full scale clamped to a byte and truncated.

@@ -9,23 +9,23 @@
 struct PlasmaSettings {
     unsigned initialShots; // slots and spark slices the ring starts with
     float damageMin, damageMax;
-    float rate;            // shots per second
+    float rate; // shots per second
     float energyCost;
-    float shotRadius;      // world units
-    Color4ub color;        // of every projectile
-    orvel::vec4 sparkMin;  // colour range of the sparks a hit throws
+    float shotRadius;     // world units
+    Color4ub color;       // of every projectile
+    orvel::vec4 sparkMin; // colour range of the sparks a hit throws
     orvel::vec4 sparkMax;
 };
 
 // Base is Weapon (shots hit the enemies) or EnemyWeapon (shots hit the friends).
-template <typename Base>
-class PlasmaGun : public Base {
+template <typename Base> class PlasmaGun : public Base {
 public:
     using Shot = ProjectileRing::Shot;
 
     // The ring's slots and slices on g_game's particle system, which must exist.
     explicit PlasmaGun(const PlasmaSettings& settings)
-        : ring(settings.initialShots, settings.color, settings.shotRadius, settings.sparkMin, settings.sparkMax) {
+        : ring(settings.initialShots, settings.color, settings.shotRadius, settings.sparkMin,
+               settings.sparkMax) {
         this->damageMin = settings.damageMin;
         this->damageMax = settings.damageMax;
         this->rate = settings.rate;

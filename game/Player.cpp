@@ -52,7 +52,7 @@ const float RESPAWN_FLIGHT = 3500.0f;
 const float RESPAWN_DISTANCE = 1920.0f;
 
 // The exhaust: short-lived blue puffs that shrink to nothing, born at the emitter's point.
-const ParticleBurst EXHAUST = {0,     200,   500,   0.0f,  40.0f, 48.0f, 0.0f, 5.0f, 0.0f, 50.0f, 50.0f,
+const ParticleBurst EXHAUST = {0, 200, 500, 0.0f, 40.0f, 48.0f, 0.0f, 5.0f, 0.0f, 50.0f, 50.0f,
                                vec4(0.35f, 0.5f, 0.8f, 0.3f), vec4(0.35f, 0.6f, 1.0f, 0.5f)};
 
 // Limits the length of v to `limit`, keeping its direction.

@@ -15,9 +15,9 @@
 #include "scene/QuadBatch.h"
 #include "scene/Scene2D.h"
 
+using orvel::mat4;
 using orvel::Orvel;
 using orvel::Stack;
-using orvel::mat4;
 using orvel::vec2;
 using orvel::vec4;
 
@@ -36,17 +36,20 @@ ProjectileRing::Shot* newShots(unsigned n) {
 
 } // namespace
 
-ProjectileRing::ProjectileRing(unsigned initialShots, const Color4ub& color, float shotRadius, const vec4& sparkMin,
-                               const vec4& sparkMax)
+ProjectileRing::ProjectileRing(unsigned initialShots, const Color4ub& color, float shotRadius,
+                               const vec4& sparkMin, const vec4& sparkMax)
     : shots(newShots(initialShots)), shotCapacity(initialShots), slices(initialShots),
       texture(Resources::plasmabullet_tex), color(color), shotCursor(0), shotRadius(shotRadius),
-      shotSpeed(SHOT_SPEED), shotLife(SHOT_LIFE), overdraw(OVERDRAW),
-      sparks{52, 300, 450, 1.0f, 10.0f, 16.0f, 4.0f, 6.0f, 5.0f, 85.0f, 60.0f, sparkMin, sparkMax} {
-    for (unsigned i = 0; i < shotCapacity; ++i) slices.push(g_game->particles->createSlice(true, false));
+      shotSpeed(SHOT_SPEED), shotLife(SHOT_LIFE),
+      overdraw(OVERDRAW), sparks{52,   300,  450,   1.0f,  10.0f,    16.0f,   4.0f,
+                                 6.0f, 5.0f, 85.0f, 60.0f, sparkMin, sparkMax} {
+    for (unsigned i = 0; i < shotCapacity; ++i)
+        slices.push(g_game->particles->createSlice(true, false));
 }
 
 ProjectileRing::~ProjectileRing() {
-    for (unsigned i = 0; i < slices.count; ++i) delete slices.data[i];
+    for (unsigned i = 0; i < slices.count; ++i)
+        delete slices.data[i];
     delete[] shots;
 }
 
@@ -59,7 +62,8 @@ void ProjectileRing::fire(const vec2& muzzle, const vec2& dir) {
         if (shotCursor == begin) {
             grow();
             shotCursor = (begin + 1) % shotCapacity;
-            while (shots[shotCursor].finish > now) shotCursor = (shotCursor + 1) % shotCapacity;
+            while (shots[shotCursor].finish > now)
+                shotCursor = (shotCursor + 1) % shotCapacity;
             break;
         }
     }
@@ -74,7 +78,8 @@ void ProjectileRing::fire(const vec2& muzzle, const vec2& dir) {
 
 void ProjectileRing::grow() {
     const unsigned n = shotCapacity;
-    for (unsigned i = 0; i < n; ++i) slices.push(g_game->particles->createSlice(true, false));
+    for (unsigned i = 0; i < n; ++i)
+        slices.push(g_game->particles->createSlice(true, false));
     Shot* grown = newShots(2 * n);
     std::memcpy(grown, shots, n * sizeof(Shot));
     delete[] shots;
@@ -123,7 +128,8 @@ void ProjectileRing::draw(SceneState& state) {
     }
     // The loop below runs to the capacity, not the count, and past the count loads the spare
     // matrix, which is kept zero so those extra draws cover no pixel.
-    for (float& e : mstack.data[mstack.capacity].m) e = 0.0f;
+    for (float& e : mstack.data[mstack.capacity].m)
+        e = 0.0f;
 
     glEnable(GL_BLEND);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE);

@@ -31,8 +31,8 @@ public:
     // `initialShots` zero-filled slots, each with a spark slice on g_game's particle system,
     // which must exist. Shots are squares of half side `shotRadius` in `color`; a hit throws
     // sparks coloured between sparkMin and sparkMax back along the shot's flight.
-    ProjectileRing(unsigned initialShots, const Color4ub& color, float shotRadius, const orvel::vec4& sparkMin,
-                   const orvel::vec4& sparkMax);
+    ProjectileRing(unsigned initialShots, const Color4ub& color, float shotRadius,
+                   const orvel::vec4& sparkMin, const orvel::vec4& sparkMax);
     // Frees the slots and the slices.
     ~ProjectileRing();
     ProjectileRing(const ProjectileRing&) = delete;
@@ -48,7 +48,7 @@ public:
     // One square per live shot, once per view rectangle, additively, `overdraw` times per matrix.
     void draw(SceneState& state);
 
-    Shot* shots;                         // owned; shotCapacity + 1 records
+    Shot* shots; // owned; shotCapacity + 1 records
     unsigned shotCapacity;
     orvel::Stack<ParticleSlice*> slices; // one per slot; owned
     orvel::Texture* texture;             // plasmabullet; not owned

@@ -57,7 +57,8 @@ void QuadBatch::bindArrays() const {
 }
 
 void QuadBatch::drawQuads(unsigned times) const {
-    for (unsigned k = 0; k < times; ++k) glDrawArrays(GL_QUADS, 0, (GLsizei)vertices.count);
+    for (unsigned k = 0; k < times; ++k)
+        glDrawArrays(GL_QUADS, 0, (GLsizei)vertices.count);
 }
 
 void QuadBatch::flush(orvel::Texture* texture, unsigned times) {
