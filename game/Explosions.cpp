@@ -16,11 +16,8 @@ const vec4 BLUE_MIN(0.1f, 0.1f, 0.7f, 0.87f);
 const vec4 BLUE_MAX(0.2f, 0.1f, 0.9f, 1.0f);
 
 // What every explosion shares: sizes from 26..40 down to 0..8, no speed floor, a full circle.
-const float SIZE_START_MIN = 26.0f;
-const float SIZE_START_MAX = 40.0f;
-const float SIZE_END_MIN = 0.0f;
-const float SIZE_END_MAX = 8.0f;
-const float SPREAD = 360.0f;
+// Each burst fills in its count, lives, scatter, reach and colours.
+const ParticleBurst SHARED = {0, 0, 0, 0.0f, 26.0f, 40.0f, 0.0f, 8.0f, 0.0f, 0.0f, 360.0f, vec4(), vec4()};
 // The reach of a burst, in radii of the exploding actor.
 const float REACH_MIN = 9.0f;
 const float REACH_MAX = 12.0f;
@@ -39,19 +36,14 @@ void emitExplosion(ParticleSystem& system, ParticleSlice* slice, const Explosion
     const float reach = g_rand.randf(REACH_MIN * radius, REACH_MAX * radius);
     const int longest = g_rand.randi(burst.longestLifeMin, burst.longestLifeMax);
     const int shortest = g_rand.randi(burst.shortestLifeMin, burst.shortestLifeMax);
-    const ParticleBurst particles = {burst.count,
-                                     (unsigned)shortest,
-                                     (unsigned)longest,
-                                     radius * burst.radiusFactor,
-                                     SIZE_START_MIN,
-                                     SIZE_START_MAX,
-                                     SIZE_END_MIN,
-                                     SIZE_END_MAX,
-                                     0.0f,
-                                     reach,
-                                     SPREAD,
-                                     burst.colorA,
-                                     burst.colorB};
+    ParticleBurst particles = SHARED;
+    particles.count = burst.count;
+    particles.lifeMin = (unsigned)shortest;
+    particles.lifeMax = (unsigned)longest;
+    particles.radius = radius * burst.radiusFactor;
+    particles.speedMax = reach;
+    particles.colorA = burst.colorA;
+    particles.colorB = burst.colorB;
     system.emit(slice, particles, position, vec2(0.0f, 0.0f));
 }
 
@@ -59,15 +51,7 @@ void emitExplosion(const ExplosionBurst& burst, const vec2& position, float radi
     emitExplosion(*g_game->explosionParticles, g_game->explosionSlice, burst, position, radius);
 }
 
-void createSmallExplosion(const vec2& position, float radius) {
-    createExplosion(position, radius);
-}
-void createMediumExplosion(const vec2& position, float radius) {
-    createExplosion(position, radius);
-}
-void createBigExplosion(const vec2& position, float radius) {
-    createExplosion(position, radius);
-}
-void createHugeExplosion(const vec2& position, float radius) {
-    createExplosion(position, radius);
-}
+void createSmallExplosion(const vec2& position, float radius) { createExplosion(position, radius); }
+void createMediumExplosion(const vec2& position, float radius) { createExplosion(position, radius); }
+void createBigExplosion(const vec2& position, float radius) { createExplosion(position, radius); }
+void createHugeExplosion(const vec2& position, float radius) { createExplosion(position, radius); }
