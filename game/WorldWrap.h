@@ -14,9 +14,17 @@ public:
                                                            {1, 1}, {1, 2}, {2, 1}, {2, 2}};
     static constexpr float AXIS_SHIFT[3] = {0.0f, 1.0f, -1.0f};
 
-    // The nine shifts of a w x h world in copy order.
+    // The nine shifts of a w x h world in copy order, written out: the per-frame callers would
+    // pay for multiplying by the table.
     static void copyOffsets(float w, float h, orvel::vec2 out[COPIES]) {
-        for (unsigned k = 0; k < COPIES; ++k)
-            out[k] = orvel::vec2(AXIS_SHIFT[COPY_AXES[k][0]] * w, AXIS_SHIFT[COPY_AXES[k][1]] * h);
+        out[0] = orvel::vec2(0.0f, 0.0f);
+        out[1] = orvel::vec2(w, 0.0f);
+        out[2] = orvel::vec2(-w, 0.0f);
+        out[3] = orvel::vec2(0.0f, h);
+        out[4] = orvel::vec2(0.0f, -h);
+        out[5] = orvel::vec2(w, h);
+        out[6] = orvel::vec2(w, -h);
+        out[7] = orvel::vec2(-w, h);
+        out[8] = orvel::vec2(-w, -h);
     }
 };
