@@ -4,6 +4,7 @@
 #include "engine/Math.h"
 #include "engine/Orvel.h"
 #include "engine/ShaderProgram.h"
+#include "engine/VertexArrays.h"
 #include "scene/Shaders.h"
 
 using orvel::Math;
@@ -70,10 +71,6 @@ void Fader::draw() {
 
     // Texture coordinates would only be read from whatever array was left bound; the scene
     // roots enable them again before their leaves.
-    glDisableClientState(GL_TEXTURE_COORD_ARRAY);
-    glEnableClientState(GL_VERTEX_ARRAY);
-    glEnableClientState(GL_COLOR_ARRAY);
-    glVertexPointer(2, GL_FLOAT, 0, vertices);
-    glColorPointer(4, GL_FLOAT, 0, colors);
+    orvel::VertexArrays::bindColored(vertices, GL_FLOAT, colors);
     glDrawArrays(GL_QUADS, 0, 4);
 }

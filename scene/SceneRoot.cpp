@@ -4,6 +4,7 @@
 #include "engine/Math.h"
 #include "engine/Orvel.h"
 #include "engine/ShaderProgram.h"
+#include "engine/VertexArrays.h"
 #include "scene/Group.h"
 #include "scene/Shaders.h"
 
@@ -198,9 +199,7 @@ void setWalkGLState() {
     glDisable(GL_DEPTH_TEST);
     glEnable(GL_TEXTURE_2D);
     glEnable(GL_BLEND);
-    glEnableClientState(GL_VERTEX_ARRAY);
-    glEnableClientState(GL_COLOR_ARRAY);
-    glEnableClientState(GL_TEXTURE_COORD_ARRAY);
+    orvel::VertexArrays::enableTextured();
     glDisableClientState(GL_NORMAL_ARRAY);
 }
 
@@ -212,11 +211,7 @@ void drawOutline(const float* points, const mat4& projection, const mat4& modelV
     loadMatrices(projection, modelView);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
     glLineWidth(width);
-    glDisableClientState(GL_TEXTURE_COORD_ARRAY);
-    glEnableClientState(GL_VERTEX_ARRAY);
-    glEnableClientState(GL_COLOR_ARRAY);
-    glVertexPointer(2, GL_FLOAT, 0, points);
-    glColorPointer(4, GL_UNSIGNED_BYTE, 0, colors);
+    orvel::VertexArrays::bindColored(points, GL_UNSIGNED_BYTE, colors);
     Shaders::color_shader_fixed->bind();
     glDrawArrays(GL_LINE_LOOP, 0, 4);
 }
