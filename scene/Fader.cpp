@@ -16,17 +16,17 @@ static const unsigned int DEFAULT_FADE_MS = 1000;
 Fader::Fader() : startTime(0), endTime(0), from(1.0f), to(0.0f), current(0.0f), color(0, 0, 0, 0) {}
 
 void Fader::fadeOut(unsigned int ms) {
-    if (ms == 0) ms = DEFAULT_FADE_MS;
-    from = 0.0f;
-    to = 1.0f;
-    startTime = Orvel::currentTime;
-    endTime = startTime + ms;
+    start(0.0f, 1.0f, ms);
 }
 
 void Fader::fadeIn(unsigned int ms) {
+    start(1.0f, 0.0f, ms);
+}
+
+void Fader::start(float fromOpacity, float toOpacity, unsigned int ms) {
     if (ms == 0) ms = DEFAULT_FADE_MS;
-    from = 1.0f;
-    to = 0.0f;
+    from = fromOpacity;
+    to = toOpacity;
     startTime = Orvel::currentTime;
     endTime = startTime + ms;
 }
