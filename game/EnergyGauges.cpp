@@ -11,7 +11,7 @@
 #include "game/Main.h"
 #include "game/Player.h"
 #include "game/Resources.h"
-#include "scene/Scene2D.h"
+#include "scene/SceneRoot.h"
 #include "scene/Shaders.h"
 
 using orvel::Math;

@@ -9,7 +9,7 @@
 #include "engine/Texture.h"
 #include "engine/VertexArrays.h"
 #include "scene/ParticleSystem.h"
-#include "scene/Scene2D.h"
+#include "scene/SceneRoot.h"
 #include "scene/Shaders.h"
 
 using orvel::Math;

@@ -4,7 +4,7 @@
 #include "engine/ShaderProgram.h"
 #include "engine/Texture.h"
 #include "engine/VertexArrays.h"
-#include "scene/Scene2D.h"
+#include "scene/SceneRoot.h"
 #include "scene/Shaders.h"
 
 using orvel::Texture;
