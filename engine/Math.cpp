@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 
 #include "engine/Matrix.h"
 
@@ -11,6 +12,32 @@ namespace {
 
 constexpr double PI = 3.14159265358979323846;
 constexpr float HALF_PI_F = 1.57079632679489661923f;
+
+// v[0], replaced by every later element that `beats` it. v[0] is read even when n is 0.
+template <typename T, typename Beats> T extremeOf(const T* v, unsigned n, Beats beats) {
+    T r = v[0];
+    for (unsigned i = 1; i < n; ++i) {
+        if (beats(v[i], r)) {
+            r = v[i];
+        }
+    }
+    return r;
+}
+
+// out[0] = the minimum and out[1] = the maximum of v, both starting from v[0], which is read
+// even when n is 0.
+template <typename T> void minMaxOf(T* out, const T* v, unsigned n) {
+    out[0] = v[0];
+    out[1] = v[0];
+    for (unsigned i = 1; i < n; ++i) {
+        if (v[i] < out[0]) {
+            out[0] = v[i];
+        }
+        if (v[i] > out[1]) {
+            out[1] = v[i];
+        }
+    }
+}
 
 // Where the ray from `from` towards `to` meets the circle (sphere): the nearer of the two
 // points, or the farther with `isFar`; the zero vector when it misses. Points behind `from` count.
@@ -52,69 +79,27 @@ int Math::maxi(int a, int b) {
 }
 
 int Math::miniv(int* v, unsigned n) {
-    int r = v[0];
-    for (unsigned i = 1; i < n; ++i) {
-        if (v[i] < r) {
-            r = v[i];
-        }
-    }
-    return r;
+    return extremeOf(v, n, std::less<int>());
 }
 
 int Math::maxiv(int* v, unsigned n) {
-    int r = v[0];
-    for (unsigned i = 1; i < n; ++i) {
-        if (v[i] > r) {
-            r = v[i];
-        }
-    }
-    return r;
+    return extremeOf(v, n, std::greater<int>());
 }
 
 float Math::minfv(float* v, unsigned n) {
-    float r = v[0];
-    for (unsigned i = 1; i < n; ++i) {
-        if (v[i] < r) {
-            r = v[i];
-        }
-    }
-    return r;
+    return extremeOf(v, n, std::less<float>());
 }
 
 float Math::maxfv(float* v, unsigned n) {
-    float r = v[0];
-    for (unsigned i = 1; i < n; ++i) {
-        if (v[i] > r) {
-            r = v[i];
-        }
-    }
-    return r;
+    return extremeOf(v, n, std::greater<float>());
 }
 
 void Math::minmaxiv(int* out, int* v, unsigned n) {
-    out[0] = v[0];
-    out[1] = v[0];
-    for (unsigned i = 1; i < n; ++i) {
-        if (v[i] < out[0]) {
-            out[0] = v[i];
-        }
-        if (v[i] > out[1]) {
-            out[1] = v[i];
-        }
-    }
+    minMaxOf(out, v, n);
 }
 
 void Math::minmaxfv(float* out, float* v, unsigned n) {
-    out[0] = v[0];
-    out[1] = v[0];
-    for (unsigned i = 1; i < n; ++i) {
-        if (v[i] < out[0]) {
-            out[0] = v[i];
-        }
-        if (v[i] > out[1]) {
-            out[1] = v[i];
-        }
-    }
+    minMaxOf(out, v, n);
 }
 
 // ---- Clamping and wrapping ----
