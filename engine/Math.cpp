@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 
 #include "engine/Matrix.h"
 
@@ -12,12 +13,36 @@ namespace {
 constexpr double PI = 3.14159265358979323846;
 constexpr float HALF_PI_F = 1.57079632679489661923f;
 
-// The ray parameters where the line from `from` through `to` (direction d, unit length unless
-// from == to) meets the sphere; false when it misses.
-template <typename V>
-bool intersectCircle(const V& from, const V& to, const V& center, float radius, V& d, float& tNear,
-                     float& tFar) {
-    d = to - from;
+// v[0], replaced by every later element that `beats` it. v[0] is read even when n is 0.
+template <typename T, typename Beats> T extremeOf(const T* v, unsigned n, Beats beats) {
+    T r = v[0];
+    for (unsigned i = 1; i < n; ++i) {
+        if (beats(v[i], r)) {
+            r = v[i];
+        }
+    }
+    return r;
+}
+
+// out[0] = the minimum and out[1] = the maximum of v, both starting from v[0], which is read
+// even when n is 0.
+template <typename T> void minMaxOf(T* out, const T* v, unsigned n) {
+    out[0] = v[0];
+    out[1] = v[0];
+    for (unsigned i = 1; i < n; ++i) {
+        if (v[i] < out[0]) {
+            out[0] = v[i];
+        }
+        if (v[i] > out[1]) {
+            out[1] = v[i];
+        }
+    }
+}
+
+// Where the ray from `from` towards `to` meets the circle (sphere): the nearer of the two
+// points, or the farther with `isFar`; the zero vector when it misses. Points behind `from` count.
+template <typename V> V intersectPoint(const V& from, const V& to, const V& center, float radius, bool isFar) {
+    V d = to - from;
     d.normalize();
     V m = from - center;
     float a = Math::dot(d, d);
@@ -25,14 +50,12 @@ bool intersectCircle(const V& from, const V& to, const V& center, float radius, 
     float c = Math::dot(m, m) - radius * radius;
     float disc = b * b - 4.0f * a * c;
     if (disc < 0.0f) {
-        return false;
+        return V();
     }
     float root = std::sqrt(disc);
     float t1 = (root - b) / (2.0f * a);
     float t2 = (-b - root) / (2.0f * a);
-    tNear = std::min(t1, t2);
-    tFar = std::max(t1, t2);
-    return true;
+    return from + d * (isFar ? std::max(t1, t2) : std::min(t1, t2));
 }
 
 } // namespace
@@ -56,69 +79,27 @@ int Math::maxi(int a, int b) {
 }
 
 int Math::miniv(int* v, unsigned n) {
-    int r = v[0];
-    for (unsigned i = 1; i < n; ++i) {
-        if (v[i] < r) {
-            r = v[i];
-        }
-    }
-    return r;
+    return extremeOf(v, n, std::less<int>());
 }
 
 int Math::maxiv(int* v, unsigned n) {
-    int r = v[0];
-    for (unsigned i = 1; i < n; ++i) {
-        if (v[i] > r) {
-            r = v[i];
-        }
-    }
-    return r;
+    return extremeOf(v, n, std::greater<int>());
 }
 
 float Math::minfv(float* v, unsigned n) {
-    float r = v[0];
-    for (unsigned i = 1; i < n; ++i) {
-        if (v[i] < r) {
-            r = v[i];
-        }
-    }
-    return r;
+    return extremeOf(v, n, std::less<float>());
 }
 
 float Math::maxfv(float* v, unsigned n) {
-    float r = v[0];
-    for (unsigned i = 1; i < n; ++i) {
-        if (v[i] > r) {
-            r = v[i];
-        }
-    }
-    return r;
+    return extremeOf(v, n, std::greater<float>());
 }
 
 void Math::minmaxiv(int* out, int* v, unsigned n) {
-    out[0] = v[0];
-    out[1] = v[0];
-    for (unsigned i = 1; i < n; ++i) {
-        if (v[i] < out[0]) {
-            out[0] = v[i];
-        }
-        if (v[i] > out[1]) {
-            out[1] = v[i];
-        }
-    }
+    minMaxOf(out, v, n);
 }
 
 void Math::minmaxfv(float* out, float* v, unsigned n) {
-    out[0] = v[0];
-    out[1] = v[0];
-    for (unsigned i = 1; i < n; ++i) {
-        if (v[i] < out[0]) {
-            out[0] = v[i];
-        }
-        if (v[i] > out[1]) {
-            out[1] = v[i];
-        }
-    }
+    minMaxOf(out, v, n);
 }
 
 // ---- Clamping and wrapping ----
@@ -412,43 +393,19 @@ float Math::distanceTo(vec3, vec3, vec3) {
 // ---- Ray against circle (sphere) ----
 
 vec2 Math::getNearIntersectPoint(const vec2& from, const vec2& to, const vec2& center, float radius) {
-    vec2 d;
-    float tNear;
-    float tFar;
-    if (!intersectCircle(from, to, center, radius, d, tNear, tFar)) {
-        return vec2();
-    }
-    return from + d * tNear;
+    return intersectPoint(from, to, center, radius, false);
 }
 
 vec2 Math::getFarIntersectPoint(const vec2& from, const vec2& to, const vec2& center, float radius) {
-    vec2 d;
-    float tNear;
-    float tFar;
-    if (!intersectCircle(from, to, center, radius, d, tNear, tFar)) {
-        return vec2();
-    }
-    return from + d * tFar;
+    return intersectPoint(from, to, center, radius, true);
 }
 
 vec3 Math::getNearIntersectPoint(const vec3& from, const vec3& to, const vec3& center, float radius) {
-    vec3 d;
-    float tNear;
-    float tFar;
-    if (!intersectCircle(from, to, center, radius, d, tNear, tFar)) {
-        return vec3();
-    }
-    return from + d * tNear;
+    return intersectPoint(from, to, center, radius, false);
 }
 
 vec3 Math::getFarIntersectPoint(const vec3& from, const vec3& to, const vec3& center, float radius) {
-    vec3 d;
-    float tNear;
-    float tFar;
-    if (!intersectCircle(from, to, center, radius, d, tNear, tFar)) {
-        return vec3();
-    }
-    return from + d * tFar;
+    return intersectPoint(from, to, center, radius, true);
 }
 
 } // namespace orvel

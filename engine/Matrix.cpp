@@ -18,6 +18,13 @@ void normalizePair(float& a, float& b) {
     }
 }
 
+// a[i] += b[i] for every element.
+template <unsigned N> void addElements(float (&a)[N], const float (&b)[N]) {
+    for (unsigned i = 0; i < N; ++i) {
+        a[i] += b[i];
+    }
+}
+
 // Replaces columns 0..2 (all four rows) of m by m * r, where r[3 * j + k] is row k of column
 // j of a 3x3 rotation; column 3 stays.
 void multiplyColumns(float* m, const float* r) {
@@ -150,9 +157,7 @@ mat2& mat2::normalize() {
 }
 
 mat2& mat2::operator+=(const mat2& b) {
-    for (int i = 0; i < 6; ++i) {
-        m[i] += b.m[i];
-    }
+    addElements(m, b.m);
     return *this;
 }
 
@@ -251,9 +256,7 @@ mat4& mat4::invert() {
 }
 
 mat4& mat4::operator+=(const mat4& b) {
-    for (int i = 0; i < 16; ++i) {
-        m[i] += b.m[i];
-    }
+    addElements(m, b.m);
     return *this;
 }
 

@@ -8,6 +8,7 @@
 #include <GL/gl.h>
 
 #include "engine/Color.h"
+#include "engine/VertexArrays.h"
 
 namespace orvel {
 
@@ -236,12 +237,7 @@ void Orvel::fillScreen() {
     glMatrixMode(GL_MODELVIEW);
     glLoadIdentity();
 
-    glEnableClientState(GL_VERTEX_ARRAY);
-    glEnableClientState(GL_TEXTURE_COORD_ARRAY);
-    glEnableClientState(GL_COLOR_ARRAY);
-    glTexCoordPointer(2, GL_FLOAT, 0, tcoords);
-    glColorPointer(4, GL_UNSIGNED_BYTE, 0, colors);
-    glVertexPointer(2, GL_FLOAT, 0, vcoords);
+    VertexArrays::bindTextured(vcoords, tcoords, colors);
     glDrawArrays(GL_QUADS, 0, 4);
 }
 

@@ -6,6 +6,7 @@
 #include "engine/GL.h"
 #include "engine/Math.h"
 #include "engine/Texture.h"
+#include "engine/VertexArrays.h"
 
 namespace orvel {
 
@@ -50,11 +51,8 @@ void Skybox::draw(Camera* camera) {
     // Fixed-function texturing on unit 0; a bound shader program takes no notice of it.
     glActiveTexture(GL_TEXTURE0);
     glEnable(GL_TEXTURE_2D);
-    glClientActiveTexture(GL_TEXTURE0);
     glDisableClientState(GL_NORMAL_ARRAY);
-    glEnableClientState(GL_VERTEX_ARRAY);
-    glEnableClientState(GL_TEXTURE_COORD_ARRAY);
-    glEnableClientState(GL_COLOR_ARRAY);
+    VertexArrays::enableTextured();
     glColorPointer(4, GL_UNSIGNED_BYTE, 0, colors);
     glTexCoordPointer(2, GL_FLOAT, 0, horiz_texcoords);
 

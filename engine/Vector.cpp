@@ -15,6 +15,15 @@ float clampComponent(float c, float min, float max) {
     return c;
 }
 
+// Divides v by its length; a zero-length v is left as it is.
+template <typename V> V& normalizeByLength(V& v) {
+    float l = v.length();
+    if (l != 0.0f) {
+        v /= l;
+    }
+    return v;
+}
+
 } // namespace
 
 vec1& vec1::clamp(float min, float max) {
@@ -23,12 +32,7 @@ vec1& vec1::clamp(float min, float max) {
 }
 
 vec2& vec2::normalize() {
-    float l = length();
-    if (l != 0.0f) {
-        x /= l;
-        y /= l;
-    }
-    return *this;
+    return normalizeByLength(*this);
 }
 
 vec2& vec2::clamp(float min, float max) {
@@ -38,13 +42,7 @@ vec2& vec2::clamp(float min, float max) {
 }
 
 vec3& vec3::normalize() {
-    float l = length();
-    if (l != 0.0f) {
-        x /= l;
-        y /= l;
-        z /= l;
-    }
-    return *this;
+    return normalizeByLength(*this);
 }
 
 vec3& vec3::clamp(float min, float max) {
@@ -69,14 +67,7 @@ float vec3::operator[](unsigned i) const {
 }
 
 vec4& vec4::normalize() {
-    float l = length();
-    if (l != 0.0f) {
-        x /= l;
-        y /= l;
-        z /= l;
-        w /= l;
-    }
-    return *this;
+    return normalizeByLength(*this);
 }
 
 vec4& vec4::clamp(float min, float max) {

@@ -6,11 +6,12 @@
 #include "engine/Math.h"
 #include "engine/ShaderProgram.h"
 #include "engine/Texture.h"
+#include "engine/VertexArrays.h"
 #include "game/Game.h"
 #include "game/Main.h"
 #include "game/Player.h"
 #include "game/Resources.h"
-#include "scene/Scene2D.h"
+#include "scene/SceneRoot.h"
 #include "scene/Shaders.h"
 
 using orvel::Math;
@@ -121,12 +122,6 @@ void EnergyGauges::draw(SceneState& state) {
         Shaders::texture_shader_fixed->setUniform("texture", 0);
     }
     mask->bind(GL_TEXTURE0);
-    glClientActiveTexture(GL_TEXTURE0);
-    glEnableClientState(GL_VERTEX_ARRAY);
-    glEnableClientState(GL_COLOR_ARRAY);
-    glEnableClientState(GL_TEXTURE_COORD_ARRAY);
-    glVertexPointer(2, GL_FLOAT, 0, vertices);
-    glTexCoordPointer(2, GL_FLOAT, 0, texcoords);
-    glColorPointer(4, GL_UNSIGNED_BYTE, 0, colors);
+    orvel::VertexArrays::bindTextured(vertices, texcoords, colors);
     glDrawArrays(GL_TRIANGLES, 0, n);
 }

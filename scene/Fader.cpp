@@ -4,6 +4,7 @@
 #include "engine/Math.h"
 #include "engine/Orvel.h"
 #include "engine/ShaderProgram.h"
+#include "engine/VertexArrays.h"
 #include "scene/Shaders.h"
 
 using orvel::Math;
@@ -15,17 +16,17 @@ static const unsigned int DEFAULT_FADE_MS = 1000;
 Fader::Fader() : startTime(0), endTime(0), from(1.0f), to(0.0f), current(0.0f), color(0, 0, 0, 0) {}
 
 void Fader::fadeOut(unsigned int ms) {
-    if (ms == 0) ms = DEFAULT_FADE_MS;
-    from = 0.0f;
-    to = 1.0f;
-    startTime = Orvel::currentTime;
-    endTime = startTime + ms;
+    start(0.0f, 1.0f, ms);
 }
 
 void Fader::fadeIn(unsigned int ms) {
+    start(1.0f, 0.0f, ms);
+}
+
+void Fader::start(float fromOpacity, float toOpacity, unsigned int ms) {
     if (ms == 0) ms = DEFAULT_FADE_MS;
-    from = 1.0f;
-    to = 0.0f;
+    from = fromOpacity;
+    to = toOpacity;
     startTime = Orvel::currentTime;
     endTime = startTime + ms;
 }
@@ -70,10 +71,6 @@ void Fader::draw() {
 
     // Texture coordinates would only be read from whatever array was left bound; the scene
     // roots enable them again before their leaves.
-    glDisableClientState(GL_TEXTURE_COORD_ARRAY);
-    glEnableClientState(GL_VERTEX_ARRAY);
-    glEnableClientState(GL_COLOR_ARRAY);
-    glVertexPointer(2, GL_FLOAT, 0, vertices);
-    glColorPointer(4, GL_FLOAT, 0, colors);
+    orvel::VertexArrays::bindColored(vertices, GL_FLOAT, colors);
     glDrawArrays(GL_QUADS, 0, 4);
 }

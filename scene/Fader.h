@@ -29,4 +29,8 @@ public:
     float current;      // opacity drawn last, [0, 1]
     // Fill colour (r, g, b, a) in x, y, z, w, each 0..1. Opacity comes from `current`; w is not drawn.
     orvel::vec4 color;
+
+private:
+    // Opacity eases from `fromOpacity` to `toOpacity` over `ms` (0 means 1000) starting now.
+    void start(float fromOpacity, float toOpacity, unsigned int ms);
 };

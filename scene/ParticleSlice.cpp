@@ -7,8 +7,9 @@
 #include "engine/ShaderProgram.h"
 #include "engine/Stack.h"
 #include "engine/Texture.h"
+#include "engine/VertexArrays.h"
 #include "scene/ParticleSystem.h"
-#include "scene/Scene2D.h"
+#include "scene/SceneRoot.h"
 #include "scene/Shaders.h"
 
 using orvel::Math;
@@ -54,13 +55,8 @@ vec2 bindBatch(Stack<ParticleSlice::Vertex>& vertices, Texture* tex) {
     // A batch never holds more than BATCH_VERTICES, so the stack keeps its first block and the
     // array pointers set here stay valid until the next call.
     vertices.clear();
-    glEnableClientState(GL_VERTEX_ARRAY);
-    glEnableClientState(GL_TEXTURE_COORD_ARRAY);
-    glEnableClientState(GL_COLOR_ARRAY);
-    const GLsizei stride = sizeof(ParticleSlice::Vertex);
-    glVertexPointer(2, GL_FLOAT, stride, &vertices.data->x);
-    glTexCoordPointer(2, GL_FLOAT, stride, &vertices.data->s);
-    glColorPointer(4, GL_UNSIGNED_BYTE, stride, &vertices.data->r);
+    orvel::VertexArrays::bindTextured(&vertices.data->x, &vertices.data->s, &vertices.data->r,
+                                      (int)sizeof(ParticleSlice::Vertex));
     if (Shaders::texture_shader_fixed) {
         Shaders::texture_shader_fixed->bind();
         Shaders::texture_shader_fixed->setUniform("texture", 0);

@@ -3,7 +3,8 @@
 #include "engine/GL.h"
 #include "engine/ShaderProgram.h"
 #include "engine/Texture.h"
-#include "scene/Scene2D.h"
+#include "engine/VertexArrays.h"
+#include "scene/SceneRoot.h"
 #include "scene/Shaders.h"
 
 using orvel::Texture;
@@ -77,12 +78,6 @@ void Sprite::draw(SceneState& state) {
     }
     texture->bind(GL_TEXTURE0);
     glColor4f(1, 1, 1, 1);
-    glClientActiveTexture(GL_TEXTURE0);
-    glEnableClientState(GL_VERTEX_ARRAY);
-    glEnableClientState(GL_COLOR_ARRAY);
-    glEnableClientState(GL_TEXTURE_COORD_ARRAY);
-    glVertexPointer(2, GL_FLOAT, 0, vertices);
-    glColorPointer(4, GL_UNSIGNED_BYTE, 0, colors);
-    glTexCoordPointer(2, GL_FLOAT, 0, texcoords);
+    orvel::VertexArrays::bindTextured(vertices, texcoords, colors);
     glDrawArrays(GL_QUADS, 0, 4);
 }

@@ -4,7 +4,7 @@
 #include "engine/GL.h"
 #include "engine/ShaderProgram.h"
 #include "engine/Surface.h"
-#include "scene/Scene2D.h"
+#include "scene/SceneRoot.h"
 #include "scene/Shaders.h"
 
 using orvel::Font;

@@ -292,6 +292,29 @@ def riser(bars):
 # Tonal instruments
 
 
+# The two plucked bass styles. A note sounds for `length` of its steps; its filter opens to
+# freq * (base + depth * exp(-t / fall)); `sine` is the level of the pure tone under it;
+# `decay` (seconds, None for none) lets it die away and `release` (seconds) ends it.
+PLUCKED_BASS = {
+    "roll": dict(length=0.92, base=1.6, depth=9.0, fall=0.045, q=1.25, odd=0.2, sine=0.35,
+                 decay=None, release=0.008),
+    "off": dict(length=0.9, base=2.0, depth=7.0, fall=0.07, q=1.1, odd=0.5, sine=0.5,
+                decay=0.35, release=0.012),
+}
+
+
+def plucked_bass(freq, steps, length, base, depth, fall, q, odd, sine, decay, release):
+    """One plucked bass note, before the common bass level; the settings as in PLUCKED_BASS."""
+    n = int(steps * STEP * length)
+    t = seconds(n)
+    cutoff = freq * (base + depth * np.exp(-t / fall))
+    x = additive_tone(freq, n, cutoff, q=q, odd=odd)
+    x += sine * np.sin(2 * np.pi * freq * t)
+    if decay is not None:
+        x = x * np.exp(-t / decay)
+    return fade_edges(x, 0.002, release)
+
+
 @functools.lru_cache(maxsize=None)
 def bass_note(note, steps, style):
     """One bass note lasting steps sixteenths.
@@ -300,20 +323,8 @@ def bass_note(note, steps, style):
     breakdown's slow, dark swell.
     """
     freq = hz(note)
-    if style == "roll":
-        n = int(steps * STEP * 0.92)
-        t = seconds(n)
-        cutoff = freq * (1.6 + 9.0 * np.exp(-t / 0.045))
-        x = additive_tone(freq, n, cutoff, q=1.25, odd=0.2)
-        x += 0.35 * np.sin(2 * np.pi * freq * t)
-        x = fade_edges(x, 0.002, 0.008)
-    elif style == "off":
-        n = int(steps * STEP * 0.9)
-        t = seconds(n)
-        cutoff = freq * (2.0 + 7.0 * np.exp(-t / 0.07))
-        x = additive_tone(freq, n, cutoff, q=1.1, odd=0.5)
-        x += 0.5 * np.sin(2 * np.pi * freq * t)
-        x = fade_edges(x * np.exp(-t / 0.35), 0.002, 0.012)
+    if style in PLUCKED_BASS:
+        x = plucked_bass(freq, steps, **PLUCKED_BASS[style])
     else:
         n = int(steps * STEP)
         t = seconds(n)

@@ -26,7 +26,10 @@ void expectVec2(const vec2& v, float x, float y) {
 
 } // namespace
 
-template <typename Root> class SceneRoot : public scene_test::SceneGLTest {
+// The fixture takes the name of the class under test, so it and its tests live in scene_test.
+namespace scene_test {
+
+template <typename Root> class SceneRoot : public SceneGLTest {
 protected:
     // A 1280 x 720 root over the game's 4096 x 4096 world, looking through `camera`.
     Root* gameWorld(vec2 position, float zoom, float rotation) {
@@ -157,3 +160,5 @@ TYPED_TEST(SceneRoot, WorldToScreenTurnsTheOtherWayFromItsMatrix) {
     expectVec2(root->worldToScreen(vec2(100, 200)), 640, 360);
     delete root;
 }
+
+} // namespace scene_test
