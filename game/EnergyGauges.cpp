@@ -4,7 +4,6 @@
 
 #include "engine/GL.h"
 #include "engine/Math.h"
-#include "engine/ShaderProgram.h"
 #include "engine/Texture.h"
 #include "engine/VertexArrays.h"
 #include "game/Game.h"
@@ -117,10 +116,7 @@ void EnergyGauges::draw(SceneState& state) {
     }
     if (n == 0) return;
 
-    if (Shaders::texture_shader_fixed) {
-        Shaders::texture_shader_fixed->bind();
-        Shaders::texture_shader_fixed->setUniform("texture", 0);
-    }
+    Shaders::useTextureFixed();
     mask->bind(GL_TEXTURE0);
     orvel::VertexArrays::bindTextured(vertices, texcoords, colors);
     glDrawArrays(GL_TRIANGLES, 0, n);

@@ -13,6 +13,7 @@
 #include "scene/ParticleSlice.h"
 #include "scene/ParticleSystem.h"
 #include "scene/Scene2D.h"
+#include "scene/Shaders.h"
 
 using orvel::Orvel;
 using orvel::Stack;
@@ -135,7 +136,7 @@ void Laser::draw(SceneState&) {
 
     glEnable(GL_BLEND);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE);
-    QuadBatch::useTextureShader();
+    Shaders::useTextureFixed();
 
     // Muzzle glows.
     for (unsigned i = 0; i < BEAMS; ++i) {

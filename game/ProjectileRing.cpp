@@ -14,6 +14,7 @@
 #include "scene/ParticleSlice.h"
 #include "scene/QuadBatch.h"
 #include "scene/Scene2D.h"
+#include "scene/Shaders.h"
 
 using orvel::mat4;
 using orvel::Orvel;
@@ -136,7 +137,7 @@ void ProjectileRing::draw(SceneState& state) {
 
     glEnable(GL_BLEND);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE);
-    QuadBatch::useTextureShader();
+    Shaders::useTextureFixed();
     QuadBatch::bindTexture(texture);
     batch.bindArrays();
     glMatrixMode(GL_MODELVIEW);

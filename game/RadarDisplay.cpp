@@ -12,6 +12,7 @@
 #include "game/Powerup.h"
 #include "game/Resources.h"
 #include "scene/Scene2D.h"
+#include "scene/Shaders.h"
 #include "scene/QuadBatch.h"
 
 using orvel::Math;
@@ -120,6 +121,6 @@ void RadarDisplay::draw(SceneState& state) {
     }
     if (batch.isEmpty()) return;
 
-    QuadBatch::useTextureShader();
+    Shaders::useTextureFixed();
     batch.flush(mask);
 }

@@ -9,6 +9,7 @@
 #include "game/Main.h"
 #include "game/Resources.h"
 #include "scene/Scene2D.h"
+#include "scene/Shaders.h"
 
 using orvel::Math;
 using orvel::Orvel;
@@ -104,7 +105,7 @@ void Starfield::drawSky() {
     camera.fov = SKY_FOV;
     camera.lookAt(vec3(0.0f, 1.5f + std::cos(2.1f * t), 1.0f));
     camera.bind(orvel::Camera::PROJECTION | orvel::Camera::ROTATION | orvel::Camera::TRANSLATION);
-    QuadBatch::useTextureShader();
+    Shaders::useTextureFixed();
     sky.draw(&camera);
 }
 
@@ -120,7 +121,7 @@ void Starfield::drawStars(SceneState& state) {
     glLoadIdentity();
     glTranslatef(-(float)(Orvel::getScreenWidth() / 2), -(float)(Orvel::getScreenHeight() / 2), 0.0f);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE);
-    QuadBatch::useTextureShader();
+    Shaders::useTextureFixed();
     // Without the star art the quads take whatever unit 0 holds: visible, never a crash.
     if (starTexture) starTexture->bind(GL_TEXTURE0);
     glEnable(GL_TEXTURE_2D);

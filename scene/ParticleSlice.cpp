@@ -4,7 +4,6 @@
 #include "engine/Math.h"
 #include "engine/Matrix.h"
 #include "engine/Orvel.h"
-#include "engine/ShaderProgram.h"
 #include "engine/Stack.h"
 #include "engine/Texture.h"
 #include "engine/VertexArrays.h"
@@ -57,10 +56,7 @@ vec2 bindBatch(Stack<ParticleSlice::Vertex>& vertices, Texture* tex) {
     vertices.clear();
     orvel::VertexArrays::bindTextured(&vertices.data->x, &vertices.data->s, &vertices.data->r,
                                       (int)sizeof(ParticleSlice::Vertex));
-    if (Shaders::texture_shader_fixed) {
-        Shaders::texture_shader_fixed->bind();
-        Shaders::texture_shader_fixed->setUniform("texture", 0);
-    }
+    Shaders::useTextureFixed();
     if (!tex) {
         // No image (its file failed to load): unbind rather than sample whatever was left bound.
         glActiveTexture(GL_TEXTURE0);

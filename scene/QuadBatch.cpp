@@ -1,9 +1,8 @@
 #include "scene/QuadBatch.h"
 
 #include "engine/GL.h"
-#include "engine/ShaderProgram.h"
 #include "engine/Texture.h"
-#include "scene/Shaders.h"
+#include "engine/VertexArrays.h"
 
 using orvel::vec2;
 
@@ -30,12 +29,6 @@ void QuadBatch::pushRect(float x0, float y0, float x1, float y1, float u0, float
     vertices.push(Vertex{x0, y1, u0, v1, k.r, k.g, k.b, k.a});
 }
 
-void QuadBatch::useTextureShader() {
-    if (!Shaders::texture_shader_fixed) return;
-    Shaders::texture_shader_fixed->bind();
-    Shaders::texture_shader_fixed->setUniform("texture", 0);
-}
-
 void QuadBatch::bindTexture(orvel::Texture* texture) {
     if (texture) {
         texture->bind(GL_TEXTURE0);
@@ -46,14 +39,7 @@ void QuadBatch::bindTexture(orvel::Texture* texture) {
 }
 
 void QuadBatch::bindArrays() const {
-    glClientActiveTexture(GL_TEXTURE0);
-    glEnableClientState(GL_VERTEX_ARRAY);
-    glEnableClientState(GL_TEXTURE_COORD_ARRAY);
-    glEnableClientState(GL_COLOR_ARRAY);
-    const GLsizei stride = sizeof(Vertex);
-    glVertexPointer(2, GL_FLOAT, stride, &vertices.data->x);
-    glTexCoordPointer(2, GL_FLOAT, stride, &vertices.data->u);
-    glColorPointer(4, GL_UNSIGNED_BYTE, stride, &vertices.data->r);
+    orvel::VertexArrays::bindTextured(&vertices.data->x, &vertices.data->u, &vertices.data->r, (int)sizeof(Vertex));
 }
 
 void QuadBatch::drawQuads(unsigned times) const {

@@ -43,11 +43,10 @@ public:
         pushRect(x - half, y - half, x + half, y + half, 0.0f, 0.0f, 1.0f, 1.0f, color);
     }
 
-    // Binds texture_fixed with its sampler on unit 0; nothing when the program is missing.
-    static void useTextureShader();
     // Binds `texture` to unit 0, or no texture there when it is null.
     static void bindTexture(orvel::Texture* texture);
-    // Enables the vertex, texture-coordinate and colour arrays and points them into the block.
+    // Enables the vertex, texture-coordinate and colour arrays of unit 0 and points them into
+    // the block.
     // Pushing past the capacity moves the block, so bind again after growing.
     void bindArrays() const;
     // Draws the bound quads `times` times (additive repeats brighten).

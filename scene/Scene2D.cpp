@@ -3,7 +3,6 @@
 #include "engine/Framebuffer.h"
 #include "engine/GL.h"
 #include "engine/Orvel.h"
-#include "engine/ShaderProgram.h"
 #include "engine/Texture.h"
 #include "scene/Shaders.h"
 
@@ -42,7 +41,6 @@ void Scene2D::copyToScreen() {
     color0->bind(GL_TEXTURE0);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
     // Whatever program the walk left bound, the copy samples the texture.
-    Shaders::texture_shader_fixed->bind();
-    Shaders::texture_shader_fixed->setUniform("texture", 0);
+    Shaders::useTextureFixed();
     Orvel::fillScreen();
 }

@@ -237,8 +237,7 @@ void drawLeaf(Drawable& node, bool is3D, SceneState& state) {
     applyDrawMode(node.flags);
     glColorPointer(4, GL_UNSIGNED_BYTE, 0, defaults.colors);
     glTexCoordPointer(2, GL_FLOAT, 0, defaults.texcoords);
-    Shaders::texture_shader_fixed->bind();
-    Shaders::texture_shader_fixed->setUniform("texture", 0);
+    Shaders::useTextureFixed();
     node.draw(state);
 }
 

@@ -29,3 +29,9 @@ void Shaders::init() {
     hblur_shader = GfxUtil::loadShaderFromDisk(dir, "hblur");
     vblur_shader = GfxUtil::loadShaderFromDisk(dir, "vblur");
 }
+
+void Shaders::useTextureFixed() {
+    if (!texture_shader_fixed) return;
+    texture_shader_fixed->bind();
+    texture_shader_fixed->setUniform("texture", 0);
+}

@@ -13,6 +13,9 @@ public:
     // later calls do nothing. Needs the GL context.
     static void init();
 
+    // Binds texture_fixed with its sampler on texture unit 0; nothing before init().
+    static void useTextureFixed();
+
     // Owned here and kept for the life of the program; null until init().
     static orvel::ShaderProgram* color_shader_fixed;   // "color_fixed": the vertex colour
     static orvel::ShaderProgram* texture_shader_fixed; // "texture_fixed": texel times vertex colour

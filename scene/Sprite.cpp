@@ -1,7 +1,6 @@
 #include "scene/Sprite.h"
 
 #include "engine/GL.h"
-#include "engine/ShaderProgram.h"
 #include "engine/Texture.h"
 #include "engine/VertexArrays.h"
 #include "scene/SceneRoot.h"
@@ -72,10 +71,7 @@ void Sprite::draw(SceneState& state) {
 
     glDisable(GL_CULL_FACE);
     glDisable(GL_DEPTH_TEST);
-    if (Shaders::texture_shader_fixed) {
-        Shaders::texture_shader_fixed->bind();
-        Shaders::texture_shader_fixed->setUniform("texture", 0);
-    }
+    Shaders::useTextureFixed();
     texture->bind(GL_TEXTURE0);
     glColor4f(1, 1, 1, 1);
     orvel::VertexArrays::bindTextured(vertices, texcoords, colors);
