@@ -4,7 +4,6 @@
 #include "engine/Math.h"
 #include "engine/Orvel.h"
 #include "engine/Random.h"
-#include "engine/Texture.h"
 #include "game/Actor.h"
 #include "game/Game.h"
 #include "game/Main.h"
@@ -16,8 +15,6 @@
 #include "scene/Shaders.h"
 
 using orvel::Orvel;
-using orvel::Stack;
-using orvel::Texture;
 using orvel::vec2;
 using orvel::vec4;
 

@@ -184,6 +184,6 @@ void Powerup::collect() {
     TextIndicator* indicator =
         TextIndicator::show(g_world, message.getCString(), vec2(position.x, position.y - MESSAGE_RISE));
     indicator->text->color = ic;
-    // In place from the start: a pickup outside the actors' loop is drawn before its first update.
+    // The text starts above the powerup as well, not only the actor.
     indicator->text->position = orvel::vec3(position.x, position.y - MESSAGE_RISE, 0.0f);
 }
