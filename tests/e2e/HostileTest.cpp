@@ -21,8 +21,8 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/ResourceFiles.h"
-#include "tests/e2e/GameProcess.h"
+#include "tests/support/ResourceFiles.h"
+#include "tests/support/GameProcess.h"
 
 using e2e::GameProcess;
 using e2e::Image;

@@ -7,8 +7,8 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/e2e/GameProcess.h"
-#include "tests/engine/XDriver.h"
+#include "tests/support/GameProcess.h"
+#include "tests/support/XDriver.h"
 
 using e2e::GameProcess;
 using e2e::Image;

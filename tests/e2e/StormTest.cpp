@@ -11,7 +11,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/e2e/GameProcess.h"
+#include "tests/support/GameProcess.h"
 
 using e2e::GameProcess;
 using e2e::Image;

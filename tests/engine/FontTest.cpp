@@ -6,8 +6,8 @@
 #include "engine/Color.h"
 #include "engine/Surface.h"
 #include "engine/Texture.h"
-#include "tests/AllocationCounter.h"
-#include "tests/GLFixture.h"
+#include "tests/support/AllocationCounter.h"
+#include "tests/support/GLFixture.h"
 
 using orvel::Color;
 using orvel::Font;

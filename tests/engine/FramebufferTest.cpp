@@ -3,7 +3,7 @@
 #include "engine/Orvel.h"
 #include "engine/Renderbuffer.h"
 #include "engine/Texture.h"
-#include "tests/GLFixture.h"
+#include "tests/support/GLFixture.h"
 
 using orvel::Framebuffer;
 using orvel::Orvel;

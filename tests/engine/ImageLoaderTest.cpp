@@ -8,7 +8,7 @@
 
 #include "engine/Surface.h"
 #include "engine/Texture.h"
-#include "tests/GLFixture.h"
+#include "tests/support/GLFixture.h"
 
 using orvel::ImageLoader;
 using orvel::Surface;

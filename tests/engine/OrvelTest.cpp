@@ -14,7 +14,7 @@
 #include <SDL/SDL.h>
 #include <GL/gl.h>
 
-#include "tests/engine/XDriver.h"
+#include "tests/support/XDriver.h"
 
 using orvel::Orvel;
 

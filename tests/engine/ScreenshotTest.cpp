@@ -6,7 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "tests/GLFixture.h"
+#include "tests/support/GLFixture.h"
 
 using orvel::Orvel;
 using orvel::Screenshot;

@@ -11,7 +11,7 @@
 #include "engine/Matrix.h"
 #include "engine/ShaderProgram.h"
 #include "engine/Vector.h"
-#include "tests/GLFixture.h"
+#include "tests/support/GLFixture.h"
 
 using orvel::GfxUtil;
 using orvel::mat2;

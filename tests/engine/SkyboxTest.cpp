@@ -11,8 +11,8 @@
 #include "engine/Surface.h"
 #include "engine/Texture.h"
 #include "engine/Vector.h"
-#include "tests/AllocationCounter.h"
-#include "tests/GLFixture.h"
+#include "tests/support/AllocationCounter.h"
+#include "tests/support/GLFixture.h"
 
 using orvel::Camera;
 using orvel::Color;

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/AllocationCounter.h"
+#include "tests/support/AllocationCounter.h"
 
 using orvel::Stack;
 using testing_support::allocationCount;

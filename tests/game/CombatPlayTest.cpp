@@ -3,14 +3,14 @@
 
 #include "game/Player.h"
 #include "game/ScoreCounter.h"
-#include "tests/game/CombatFixture.h"
+#include "tests/support/GameSession.h"
 
-using namespace combat_testing;
+using namespace testing_support;
 using orvel::vec2;
 
 namespace {
 
-class CombatPlay : public CombatTest {
+class CombatPlay : public SessionTest {
 protected:
     CombatPlay() { reloadResources = true; }
 };

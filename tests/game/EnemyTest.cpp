@@ -14,10 +14,10 @@
 #include "scene/ParticleSlice.h"
 #include "scene/Sprite.h"
 #include "scene/Text.h"
-#include "tests/AllocationCounter.h"
-#include "tests/game/SessionFixture.h"
+#include "tests/support/AllocationCounter.h"
+#include "tests/support/GameSession.h"
 
-using namespace session_testing;
+using namespace testing_support;
 using orvel::vec2;
 
 namespace {

@@ -6,8 +6,8 @@
 #include <cmath>
 
 #include "game/HUDWeaponBox.h"
-#include "tests/AllocationCounter.h"
-#include "tests/game/HudFixture.h"
+#include "tests/support/AllocationCounter.h"
+#include "tests/support/GameSession.h"
 
 using testing_support::HudScene;
 

@@ -6,17 +6,17 @@
 #include "game/EnemyPlasma.h"
 #include "game/Plasma.h"
 #include "game/Weapon.h"
-#include "tests/game/CombatFixture.h"
+#include "tests/support/GameSession.h"
 
-using namespace combat_testing;
+using namespace testing_support;
 using orvel::vec2;
 
 namespace {
 
-class FindHit : public CombatTest {
+class FindHit : public SessionTest {
 protected:
     void SetUp() override {
-        CombatTest::SetUp();
+        SessionTest::SetUp();
         weapon = new Plasma();
     }
     Plasma* weapon = nullptr;

@@ -8,7 +8,7 @@
 #include "game/ScoreCounter.h"
 #include "scene/Sprite.h"
 #include "scene/Text.h"
-#include "tests/game/HudFixture.h"
+#include "tests/support/GameSession.h"
 
 using testing_support::HudScene;
 

@@ -5,9 +5,9 @@
 #include "game/Laser.h"
 #include "scene/ParticleEmitter.h"
 #include "scene/ParticleSlice.h"
-#include "tests/game/CombatFixture.h"
+#include "tests/support/GameSession.h"
 
-using namespace combat_testing;
+using namespace testing_support;
 using orvel::Orvel;
 using orvel::vec2;
 using orvel::vec3;
@@ -15,10 +15,10 @@ using orvel::vec3;
 namespace {
 
 // The default camera sits at (640, 360) with zoom 1, so a mouse pixel is the same world point.
-class LaserBeams : public CombatTest {
+class LaserBeams : public SessionTest {
 protected:
     void SetUp() override {
-        CombatTest::SetUp();
+        SessionTest::SetUp();
         laser = new Laser();
         laser->position = vec3(500, 360, 0);
         setInput(0, 1000, 360);

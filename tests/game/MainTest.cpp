@@ -21,7 +21,7 @@
 #include "scene/Fader.h"
 #include "scene/Scene2D.h"
 #include "scene/Text.h"
-#include "tests/GLFixture.h"
+#include "tests/support/GLFixture.h"
 
 using orvel::Orvel;
 using testing_support::GLTest;

@@ -6,19 +6,19 @@
 #include "game/EnemyPlasma.h"
 #include "game/Plasma.h"
 #include "scene/ParticleSlice.h"
-#include "tests/game/CombatFixture.h"
+#include "tests/support/GameSession.h"
 
-using namespace combat_testing;
+using namespace testing_support;
 using orvel::Orvel;
 using orvel::vec2;
 using orvel::vec3;
 
 namespace {
 
-class PlasmaShots : public CombatTest {
+class PlasmaShots : public SessionTest {
 protected:
     void SetUp() override {
-        CombatTest::SetUp();
+        SessionTest::SetUp();
         gun = new Plasma();
         gun->position = vec3(1000, 1000, 0);
     }

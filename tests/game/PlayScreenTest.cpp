@@ -17,7 +17,7 @@
 #include "game/Reticle.h"
 #include "game/ScoreCounter.h"
 #include "scene/Text.h"
-#include "tests/game/HudFixture.h"
+#include "tests/support/GameSession.h"
 
 using orvel::Orvel;
 using testing_support::HudScene;

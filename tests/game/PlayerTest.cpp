@@ -18,19 +18,19 @@
 #include "scene/ParticleSystem.h"
 #include "scene/Sprite.h"
 #include "scene/Text.h"
-#include "tests/AllocationCounter.h"
-#include "tests/game/CombatFixture.h"
+#include "tests/support/AllocationCounter.h"
+#include "tests/support/GameSession.h"
 
-using namespace combat_testing;
+using namespace testing_support;
 using orvel::Orvel;
 using orvel::vec2;
 
 namespace {
 
-class Ship : public CombatTest {
+class Ship : public SessionTest {
 protected:
     void SetUp() override {
-        CombatTest::SetUp();
+        SessionTest::SetUp();
         g_game->init();
         player = g_game->player;
         // init places the ship at the world's centre.

@@ -10,18 +10,18 @@
 #include "scene/Group.h"
 #include "scene/Sprite.h"
 #include "scene/Text.h"
-#include "tests/game/CombatFixture.h"
+#include "tests/support/GameSession.h"
 
-using namespace combat_testing;
+using namespace testing_support;
 using orvel::Orvel;
 using orvel::vec2;
 
 namespace {
 
-class Powerups : public CombatTest {
+class Powerups : public SessionTest {
 protected:
     void SetUp() override {
-        CombatTest::SetUp();
+        SessionTest::SetUp();
         g_game->init();
         player = g_game->player;
     }

@@ -7,8 +7,8 @@
 
 #include "engine/Orvel.h"
 #include "game/HUDRadarBox.h"
-#include "tests/AllocationCounter.h"
-#include "tests/game/HudFixture.h"
+#include "tests/support/AllocationCounter.h"
+#include "tests/support/GameSession.h"
 
 using orvel::vec2;
 using testing_support::HudScene;

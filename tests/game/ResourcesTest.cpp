@@ -9,8 +9,8 @@
 #include "engine/Font.h"
 #include "engine/Surface.h"
 #include "engine/Texture.h"
-#include "tests/GLFixture.h"
-#include "tests/ResourceFiles.h"
+#include "tests/support/GLFixture.h"
+#include "tests/support/ResourceFiles.h"
 
 using orvel::Texture;
 using testing_support::FONT_FILES;

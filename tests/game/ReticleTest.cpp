@@ -6,7 +6,7 @@
 #include "game/Resources.h"
 #include "scene/Camera2D.h"
 #include "scene/Sprite.h"
-#include "tests/game/HudFixture.h"
+#include "tests/support/GameSession.h"
 
 using orvel::Orvel;
 using testing_support::HudScene;

@@ -7,7 +7,7 @@
 
 #include "engine/Matrix.h"
 #include "engine/Orvel.h"
-#include "tests/game/HudFixture.h"
+#include "tests/support/GameSession.h"
 
 using testing_support::HudScene;
 

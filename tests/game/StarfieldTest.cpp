@@ -13,8 +13,8 @@
 #include "game/Main.h"
 #include "game/Resources.h"
 #include "scene/Scene2D.h"
-#include "tests/AllocationCounter.h"
-#include "tests/game/HudFixture.h"
+#include "tests/support/AllocationCounter.h"
+#include "tests/support/GameSession.h"
 
 using orvel::Orvel;
 using orvel::Random;

@@ -3,20 +3,20 @@
 
 #include "game/Laser.h"
 #include "game/Plasma.h"
-#include "tests/game/CombatFixture.h"
+#include "tests/support/GameSession.h"
 
-using namespace combat_testing;
+using namespace testing_support;
 using orvel::vec2;
 using orvel::vec3;
 
 namespace {
 
-class WeaponDraw : public CombatTest {
+class WeaponDraw : public SessionTest {
 protected:
     WeaponDraw() { reloadResources = true; }
 
     void SetUp() override {
-        CombatTest::SetUp();
+        SessionTest::SetUp();
         g_world->debugDraw = false;
     }
 

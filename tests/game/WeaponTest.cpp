@@ -3,14 +3,14 @@
 #include "game/EnemyPlasma.h"
 #include "game/Laser.h"
 #include "game/Plasma.h"
-#include "tests/game/CombatFixture.h"
+#include "tests/support/GameSession.h"
 
-using namespace combat_testing;
+using namespace testing_support;
 using orvel::vec2;
 
 namespace {
 
-class WeaponGate : public CombatTest {};
+class WeaponGate : public SessionTest {};
 
 } // namespace
 

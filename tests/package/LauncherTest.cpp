@@ -12,13 +12,21 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/ResourceFiles.h"
-#include "tests/e2e/GameProcess.h"
+#include "tests/support/ResourceFiles.h"
+#include "tests/support/GameProcess.h"
 
 using e2e::GameProcess;
 using e2e::Image;
 using e2e::Surroundings;
 using testing_support::loadingLines;
+
+namespace e2e {
+
+// The launcher of the unpacked package; the surroundings link the repository's data.
+const char* const GAME_BINARY = NIGHTVECTOR_BINARY;
+const char* const DATA_ROOT = REPOSITORY_ROOT;
+
+} // namespace e2e
 
 namespace {
 

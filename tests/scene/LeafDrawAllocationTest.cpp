@@ -15,7 +15,7 @@
 #include "scene/Scene2D.h"
 #include "scene/Sprite.h"
 #include "scene/Text.h"
-#include "tests/AllocationCounter.h"
+#include "tests/support/AllocationCounter.h"
 #include "tests/scene/VisualsFixture.h"
 
 using orvel::Orvel;

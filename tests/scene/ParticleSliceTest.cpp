@@ -19,8 +19,8 @@
 #include "scene/ParticleSystem.h"
 #include "scene/Scene2D.h"
 #include "scene/Shaders.h"
-#include "tests/AllocationCounter.h"
-#include "tests/GLFixture.h"
+#include "tests/support/AllocationCounter.h"
+#include "tests/support/GLFixture.h"
 
 using orvel::Orvel;
 using orvel::Stack;

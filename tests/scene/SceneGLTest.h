@@ -12,7 +12,7 @@
 #include "scene/Drawable.h"
 #include "scene/Scene2D.h"
 #include "scene/Shaders.h"
-#include "tests/GLFixture.h"
+#include "tests/support/GLFixture.h"
 
 namespace scene_test {
 

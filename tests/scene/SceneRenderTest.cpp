@@ -14,7 +14,7 @@
 #include "scene/Group.h"
 #include "scene/Scene2D.h"
 #include "scene/Shaders.h"
-#include "tests/AllocationCounter.h"
+#include "tests/support/AllocationCounter.h"
 #include "tests/scene/SceneGLTest.h"
 
 using orvel::mat2;

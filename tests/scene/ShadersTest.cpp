@@ -9,7 +9,7 @@
 #include "engine/ShaderProgram.h"
 #include "scene/DirectScene2D.h"
 #include "scene/Scene2D.h"
-#include "tests/AllocationCounter.h"
+#include "tests/support/AllocationCounter.h"
 #include "tests/scene/VisualsFixture.h"
 
 using orvel::ShaderProgram;

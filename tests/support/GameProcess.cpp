@@ -1,4 +1,4 @@
-#include "tests/e2e/GameProcess.h"
+#include "tests/support/GameProcess.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -14,7 +14,7 @@
 
 #include <SDL/SDL.h>
 
-#include "tests/engine/XDriver.h"
+#include "tests/support/XDriver.h"
 
 namespace e2e {
 
@@ -46,11 +46,11 @@ Surroundings::~Surroundings() {
 }
 
 void Surroundings::linkFolder(const std::string& name) {
-    symlink((std::string(REPOSITORY_ROOT) + "/" + name).c_str(), (dir + "/" + name).c_str());
+    symlink((std::string(DATA_ROOT) + "/" + name).c_str(), (dir + "/" + name).c_str());
 }
 
 void Surroundings::linkFolderExcept(const std::string& name, const std::string& skip) {
-    std::string from = std::string(REPOSITORY_ROOT) + "/" + name;
+    std::string from = std::string(DATA_ROOT) + "/" + name;
     mkdir((dir + "/" + name).c_str(), 0755);
     if (DIR* d = opendir(from.c_str())) {
         while (dirent* entry = readdir(d)) {
@@ -87,7 +87,7 @@ GameProcess::GameProcess(const std::string& workingDir, const std::vector<std::s
         int err = open("stderr.txt", O_WRONLY | O_CREAT | O_TRUNC, 0644);
         dup2(out, 1);
         dup2(err, 2);
-        execl(NIGHTVECTOR_BINARY, NIGHTVECTOR_BINARY, (char*)nullptr);
+        execl(GAME_BINARY, GAME_BINARY, (char*)nullptr);
         _exit(127);
     }
 }

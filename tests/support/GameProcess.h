@@ -7,6 +7,11 @@
 
 namespace e2e {
 
+// The program GameProcess starts, and the repository whose gfx/, sfx/ and shaders/ Surroundings
+// links; each test program defines both.
+extern const char* const GAME_BINARY;
+extern const char* const DATA_ROOT;
+
 // A working directory for one run: gfx/, sfx/ and shaders/ linked from the repository unless
 // left out, removed again when the object goes.
 class Surroundings {
