@@ -10,9 +10,9 @@ using orvel::vec2;
 
 namespace {
 
-class CombatPlay : public SessionTest {
+class CombatPlayTest : public SessionTest {
 protected:
-    CombatPlay() { reloadResources = true; }
+    CombatPlayTest() { reloadResources = true; }
 };
 
 // The enemy nearest to `p` without wrap, or null.
@@ -32,7 +32,7 @@ Enemy* nearestEnemy(const vec2& p) {
 
 } // namespace
 
-TEST_F(CombatPlay, ShipFightsTheFirstWaves) {
+TEST_F(CombatPlayTest, ShipFightsTheFirstWaves) {
     g_world->debugDraw = false;
     g_game->init();
     Player* player = g_game->player;

@@ -13,7 +13,7 @@ using orvel::vec2;
 
 namespace {
 
-class FindHit : public SessionTest {
+class FindHitTest : public SessionTest {
 protected:
     void SetUp() override {
         SessionTest::SetUp();
@@ -29,14 +29,14 @@ struct WrapCase {
 
 } // namespace
 
-TEST_F(FindHit, EmptyTargetListGivesNoHit) {
+TEST_F(FindHitTest, EmptyTargetListGivesNoHit) {
     hit_struct h = weapon->findHit(vec2(0, 0), vec2(100, 100), 16.0f);
     EXPECT_EQ(h.actor, nullptr);
     EXPECT_EQ(h.point.x, 0.0f);
     EXPECT_EQ(h.point.y, 0.0f);
 }
 
-TEST_F(FindHit, SingleCandidateOnTheLineReturnsTheEntryPoint) {
+TEST_F(FindHitTest, SingleCandidateOnTheLineReturnsTheEntryPoint) {
     Enemy* e = addEnemy<Enemy>(500, 100, 20);
     hit_struct h = weapon->findHit(vec2(100, 100), vec2(1000, 100), 16.0f);
     EXPECT_EQ(h.actor, e);
@@ -44,20 +44,20 @@ TEST_F(FindHit, SingleCandidateOnTheLineReturnsTheEntryPoint) {
     EXPECT_FLOAT_EQ(h.point.y, 100.0f);
 }
 
-TEST_F(FindHit, TheRadiusArgumentIsIgnored) {
+TEST_F(FindHitTest, TheRadiusArgumentIsIgnored) {
     addEnemy<Enemy>(500, 150, 20);
     // 50 units off the segment: a miss for the enemy's radius 20 whatever the argument says.
     hit_struct h = weapon->findHit(vec2(100, 100), vec2(1000, 100), 1000.0f);
     EXPECT_EQ(h.actor, nullptr);
 }
 
-TEST_F(FindHit, CircleJustTouchingTheBoxIsNoCandidate) {
+TEST_F(FindHitTest, CircleJustTouchingTheBoxIsNoCandidate) {
     // Squared distance 400 to the box equals the radius squared: not less, so no candidate.
     addEnemy<Enemy>(500, 120, 20);
     EXPECT_EQ(weapon->findHit(vec2(100, 100), vec2(1000, 100), 0).actor, nullptr);
 }
 
-TEST_F(FindHit, EachOfTheEightWrappedCopiesIsFound) {
+TEST_F(FindHitTest, EachOfTheEightWrappedCopiesIsFound) {
     const float W = WORLD;
     // Enemy at (1000, 1000), radius 10; the segment runs 100 units along x through the copy,
     // so the ray enters 10 units before it.
@@ -75,7 +75,7 @@ TEST_F(FindHit, EachOfTheEightWrappedCopiesIsFound) {
     }
 }
 
-TEST_F(FindHit, EnemyAcrossTheWrapEdgeIsHitOnTheShotsSide) {
+TEST_F(FindHitTest, EnemyAcrossTheWrapEdgeIsHitOnTheShotsSide) {
     // The enemy sits at x = 5, the shot flies from x = 4090 to 4110: its copy at 4101 is hit,
     // and the ray enters at 4101 - 10 = 4091, inside the world on the shot's side.
     const WrapCase cases[] = {
@@ -95,7 +95,7 @@ TEST_F(FindHit, EnemyAcrossTheWrapEdgeIsHitOnTheShotsSide) {
     }
 }
 
-TEST_F(FindHit, NearerOfTwoEnemiesWinsWhateverTheListOrder) {
+TEST_F(FindHitTest, NearerOfTwoEnemiesWinsWhateverTheListOrder) {
     addEnemy<Enemy>(800, 100, 20);
     Enemy* nearer = addEnemy<Enemy>(400, 100, 20);
     hit_struct h = weapon->findHit(vec2(100, 100), vec2(1000, 100), 0);
@@ -104,7 +104,7 @@ TEST_F(FindHit, NearerOfTwoEnemiesWinsWhateverTheListOrder) {
     EXPECT_FLOAT_EQ(h.point.y, 100.0f);
 }
 
-TEST_F(FindHit, NearerWrappedCopyWinsOverAFartherPlainPosition) {
+TEST_F(FindHitTest, NearerWrappedCopyWinsOverAFartherPlainPosition) {
     // The second enemy's plain position 4150 is off the segment; its copy at 4150 - 4096 = 54
     // is on it, with key 54^2 against 800^2 for the first enemy at 900. Entry at 54 - 20.
     addEnemy<Enemy>(900, 100, 20);
@@ -115,7 +115,7 @@ TEST_F(FindHit, NearerWrappedCopyWinsOverAFartherPlainPosition) {
     EXPECT_FLOAT_EQ(h.point.y, 100.0f);
 }
 
-TEST_F(FindHit, EqualKeysKeepListOrder) {
+TEST_F(FindHitTest, EqualKeysKeepListOrder) {
     // Both centres are 10 off the line at x = 500: keys 400^2 + 10^2 each. The ray enters the
     // circle at x = 500 - sqrt(20^2 - 10^2).
     const float entry = 500.0f - std::sqrt(300.0f);
@@ -134,7 +134,7 @@ TEST_F(FindHit, EqualKeysKeepListOrder) {
     EXPECT_NEAR(h.point.x, entry, 1e-3);
 }
 
-TEST_F(FindHit, BoxOnlyCandidateIsSkippedForTheNextOne) {
+TEST_F(FindHitTest, BoxOnlyCandidateIsSkippedForTheNextOne) {
     // Segment along y = x from (100, 100) to (1000, 1000). (900, 150) lies inside the box but
     // 750 / sqrt(2) = 530 off the line; key 800^2 + 50^2 = 642500. (700, 700) is on the line,
     // key 720000, so it comes second in the sorted list and is the one returned.
@@ -147,18 +147,18 @@ TEST_F(FindHit, BoxOnlyCandidateIsSkippedForTheNextOne) {
     EXPECT_NEAR(h.point.y, entry, 1e-3);
 }
 
-TEST_F(FindHit, BoxOnlyCandidateAloneGivesNoHit) {
+TEST_F(FindHitTest, BoxOnlyCandidateAloneGivesNoHit) {
     addEnemy<Enemy>(900, 150, 30);
     EXPECT_EQ(weapon->findHit(vec2(100, 100), vec2(1000, 1000), 0).actor, nullptr);
 }
 
-TEST_F(FindHit, SeveralBoxOnlyCandidatesGiveNoHit) {
+TEST_F(FindHitTest, SeveralBoxOnlyCandidatesGiveNoHit) {
     addEnemy<Enemy>(900, 150, 30);
     addEnemy<Enemy>(150, 900, 30);
     EXPECT_EQ(weapon->findHit(vec2(100, 100), vec2(1000, 1000), 0).actor, nullptr);
 }
 
-TEST_F(FindHit, MoreThanSixtyFourCandidatesOnOneSegment) {
+TEST_F(FindHitTest, MoreThanSixtyFourCandidatesOnOneSegment) {
     // 70 enemies at x = 3550, 3500, ..., 100 in list order; the last one is the nearest to
     // x = 0 and its circle starts at 90. Run twice: the scratch stacks keep their grown room.
     Enemy* nearest = nullptr;
@@ -171,7 +171,7 @@ TEST_F(FindHit, MoreThanSixtyFourCandidatesOnOneSegment) {
     }
 }
 
-TEST_F(FindHit, EnemyWeaponsHitFriendsNotEnemies) {
+TEST_F(FindHitTest, EnemyWeaponsHitFriendsNotEnemies) {
     EnemyPlasma* enemyGun = new EnemyPlasma();
     addEnemy<Enemy>(500, 100, 20);
     EXPECT_EQ(enemyGun->findHit(vec2(100, 100), vec2(1000, 100), 0).actor, nullptr);

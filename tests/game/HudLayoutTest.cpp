@@ -23,7 +23,7 @@ using testing_support::HudScene;
 
 namespace {
 
-class HudLayout : public HudScene {
+class HudLayoutBase : public HudScene {
 protected:
     // Writes the screen as a binary PPM when NIGHTVECTOR_HUD_SHOT names a file: a picture of
     // the layout for people, not part of any check.
@@ -47,10 +47,10 @@ protected:
 };
 
 // The HUD built as the game builds it, without a game.
-class HudBoxes : public HudLayout {
+class HudLayoutTest : public HudLayoutBase {
 protected:
     void SetUp() override {
-        HudLayout::SetUp();
+        HudLayoutBase::SetUp();
         scoreBox = new HUD_ScoreBox();
         scoreBox->setHotSpot(TopLeft);
         scoreBox->position = orvel::vec3(100, 30, 0);
@@ -71,7 +71,7 @@ protected:
         delete radarBox;
         delete weaponBox;
         delete scoreBox;
-        HudLayout::TearDown();
+        HudLayoutBase::TearDown();
     }
 
     HUD_ScoreBox* scoreBox = nullptr;
@@ -82,7 +82,7 @@ protected:
 
 } // namespace
 
-TEST_F(HudBoxes, TheBoxesFrameTheirCornersAndTheMiddleStaysClear) {
+TEST_F(HudLayoutTest, TheBoxesFrameTheirCornersAndTheMiddleStaysClear) {
     setMouse(900, 100);
     reticle->update();
     drawHud();
@@ -107,7 +107,7 @@ TEST_F(HudBoxes, TheBoxesFrameTheirCornersAndTheMiddleStaysClear) {
     EXPECT_TRUE(isBlack(p.at(400, 500)));
 }
 
-TEST_F(HudBoxes, TheReticleSitsUnderTheMouse) {
+TEST_F(HudLayoutTest, TheReticleSitsUnderTheMouse) {
     setMouse(640, 360);
     reticle->update();
     drawHud();
@@ -127,7 +127,7 @@ TEST_F(HudBoxes, TheReticleSitsUnderTheMouse) {
     }
 }
 
-TEST_F(HudBoxes, TheScoreCounterRollsInsideTheScoreBox) {
+TEST_F(HudLayoutTest, TheScoreCounterRollsInsideTheScoreBox) {
     setMouse(900, 300);
     reticle->update();
     Orvel::currentTime = 50000;
@@ -156,7 +156,7 @@ TEST_F(HudBoxes, TheScoreCounterRollsInsideTheScoreBox) {
     }
 }
 
-TEST_F(HudBoxes, TheRadarAndGaugesShowInsideTheirBoxes) {
+TEST_F(HudLayoutTest, TheRadarAndGaugesShowInsideTheirBoxes) {
     RadarDisplay* radar = new RadarDisplay();
     radar->followsGame = false;
     radar->centre = orvel::vec2(2000, 2000);

@@ -24,7 +24,7 @@ using testing_support::HudScene;
 
 namespace {
 
-class PlayScreen : public HudScene {
+class PlayScreenTest : public HudScene {
 protected:
     void SetUp() override {
         HudScene::SetUp();
@@ -86,7 +86,7 @@ protected:
 
 } // namespace
 
-TEST_F(PlayScreen, TheFirstWaveShowsOnTheRadarWhileTheScoreRolls) {
+TEST_F(PlayScreenTest, TheFirstWaveShowsOnTheRadarWhileTheScoreRolls) {
     playUntil(6600, 900, 260);
     ASSERT_GT(g_game->enemies.count, 0u);
     g_game->scoreCounter->addValue(55);
@@ -122,7 +122,7 @@ TEST_F(PlayScreen, TheFirstWaveShowsOnTheRadarWhileTheScoreRolls) {
     EXPECT_FLOAT_EQ(g_game->reticle->position.y, 260.0f);
 }
 
-TEST_F(PlayScreen, TheRadarPlacesEveryEnemyAndPowerupAroundTheShip) {
+TEST_F(PlayScreenTest, TheRadarPlacesEveryEnemyAndPowerupAroundTheShip) {
     g_game->player->position = orvel::vec2(100, 100);
     g_game->nextWave();
     ASSERT_GE(g_game->enemies.count, 2u);

@@ -16,7 +16,7 @@ namespace {
 std::vector<GLsizei> drawnCounts;
 bool counting = false;
 
-class StarfieldBatch : public HudScene {
+class StarfieldBatchTest : public HudScene {
 protected:
     void SetUp() override {
         HudScene::SetUp();
@@ -52,14 +52,14 @@ void __wrap_glDrawArrays(GLenum mode, GLint first, GLsizei count) {
 }
 }
 
-TEST_F(StarfieldBatch, FiveHundredTwelveStarsTakeFourDrawCallsOf128Stars) {
+TEST_F(StarfieldBatchTest, FiveHundredTwelveStarsTakeFourDrawCallsOf128Stars) {
     EXPECT_EQ(drawCallsFor(512), (std::vector<GLsizei>{512, 512, 512, 512}));
 }
 
-TEST_F(StarfieldBatch, TheRemainderIsDrawnAtTheEnd) {
+TEST_F(StarfieldBatchTest, TheRemainderIsDrawnAtTheEnd) {
     EXPECT_EQ(drawCallsFor(300), (std::vector<GLsizei>{512, 512, 176}));
 }
 
-TEST_F(StarfieldBatch, AFewStarsTakeOneDrawCall) {
+TEST_F(StarfieldBatchTest, AFewStarsTakeOneDrawCall) {
     EXPECT_EQ(drawCallsFor(5), (std::vector<GLsizei>{20}));
 }

@@ -11,9 +11,9 @@ using orvel::vec3;
 
 namespace {
 
-class WeaponDraw : public SessionTest {
+class WeaponDrawTest : public SessionTest {
 protected:
-    WeaponDraw() { reloadResources = true; }
+    WeaponDrawTest() { reloadResources = true; }
 
     void SetUp() override {
         SessionTest::SetUp();
@@ -34,7 +34,7 @@ protected:
 
 } // namespace
 
-TEST_F(WeaponDraw, PlasmaShotSingleDrawShowsItsColour) {
+TEST_F(WeaponDrawTest, PlasmaShotSingleDrawShowsItsColour) {
     Plasma* gun = new Plasma();
     gun->overdraw = 1;
     gun->position = vec3(640, 360, 0);
@@ -52,7 +52,7 @@ TEST_F(WeaponDraw, PlasmaShotSingleDrawShowsItsColour) {
     EXPECT_EQ(px.at(640, 381) & 0xffffff, 0u);
 }
 
-TEST_F(WeaponDraw, PlasmaOverdrawAddsUp) {
+TEST_F(WeaponDrawTest, PlasmaOverdrawAddsUp) {
     Plasma* gun = new Plasma();
     gun->position = vec3(640, 360, 0);
     g_world->add(gun);
@@ -65,7 +65,7 @@ TEST_F(WeaponDraw, PlasmaOverdrawAddsUp) {
     EXPECT_EQ(b(c), 255);
 }
 
-TEST_F(WeaponDraw, LaserBeamBodySingleDraw) {
+TEST_F(WeaponDrawTest, LaserBeamBodySingleDraw) {
     Laser* laser = new Laser();
     laser->overdraw = 0;
     laser->position = vec3(640, 360, 0);
@@ -88,7 +88,7 @@ TEST_F(WeaponDraw, LaserBeamBodySingleDraw) {
     EXPECT_EQ(px.at(900, 350) & 0xffffff, 0u);
 }
 
-TEST_F(WeaponDraw, LaserBeamFiveAdditiveDraws) {
+TEST_F(WeaponDrawTest, LaserBeamFiveAdditiveDraws) {
     Laser* laser = new Laser();
     laser->position = vec3(640, 360, 0);
     g_world->add(laser);
@@ -103,7 +103,7 @@ TEST_F(WeaponDraw, LaserBeamFiveAdditiveDraws) {
     EXPECT_EQ(b(c), 255);
 }
 
-TEST_F(WeaponDraw, DeadBeamDrawsNothing) {
+TEST_F(WeaponDrawTest, DeadBeamDrawsNothing) {
     Laser* laser = new Laser();
     laser->position = vec3(640, 360, 0);
     g_world->add(laser);

@@ -37,7 +37,7 @@ public:
     vec3 seenPosition;
 };
 
-class EffectGL : public VisualsTest {
+class EffectTest : public VisualsTest {
 protected:
     void SetUp() override {
         VisualsTest::SetUp();
@@ -71,7 +71,7 @@ TEST(Effect, UpdateSizeOnlyClearsTheDirtyBit) {
     EXPECT_EQ(e.size.y, 7.0f);
 }
 
-TEST_F(EffectGL, DrawsInItsParentsSpaceIgnoringItsOwnTransform) {
+TEST_F(EffectTest, DrawsInItsParentsSpaceIgnoringItsOwnTransform) {
     Group* group = new Group();
     group->position = vec3(100, 50, 0);
     SquareEffect* e = new SquareEffect();
@@ -97,7 +97,7 @@ TEST_F(EffectGL, DrawsInItsParentsSpaceIgnoringItsOwnTransform) {
     delete group;
 }
 
-TEST_F(EffectGL, FollowsARotatedParent) {
+TEST_F(EffectTest, FollowsARotatedParent) {
     Group* group = new Group();
     group->position = vec3(100, 100, 0);
     group->setRotation(90);
@@ -116,7 +116,7 @@ TEST_F(EffectGL, FollowsARotatedParent) {
     delete group;
 }
 
-TEST_F(EffectGL, IsNeverCulled) {
+TEST_F(EffectTest, IsNeverCulled) {
     SquareEffect* e = new SquareEffect();
     // Far outside the view with a box of its own: a sprite there would be culled.
     e->position = vec3(5000, 5000, 0);
@@ -130,7 +130,7 @@ TEST_F(EffectGL, IsNeverCulled) {
     delete e;
 }
 
-TEST_F(EffectGL, GetsTheCombinedSceneColour) {
+TEST_F(EffectTest, GetsTheCombinedSceneColour) {
     SquareEffect* e = new SquareEffect();
     // ((node + 1) * 255) >> 8 per channel: 0, 128 and 255.
     e->setBlendColor(pack(0, 128, 255, 255));

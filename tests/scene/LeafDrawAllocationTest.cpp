@@ -44,7 +44,7 @@ public:
     }
 };
 
-class LeafDrawGL : public VisualsTest {
+class LeafDrawAllocationTest : public VisualsTest {
 protected:
     void SetUp() override {
         VisualsTest::SetUp();
@@ -112,7 +112,7 @@ protected:
 
 } // namespace
 
-TEST_F(LeafDrawGL, HudFrameAllocatesNothingAfterWarmUp) {
+TEST_F(LeafDrawAllocationTest, HudFrameAllocatesNothingAfterWarmUp) {
     DirectScene2D* root = makeRoot();
     populate(*root);
     Fader fader;
@@ -135,7 +135,7 @@ TEST_F(LeafDrawGL, HudFrameAllocatesNothingAfterWarmUp) {
     delete root;
 }
 
-TEST_F(LeafDrawGL, WorldFrameAllocatesNothingAfterWarmUp) {
+TEST_F(LeafDrawAllocationTest, WorldFrameAllocatesNothingAfterWarmUp) {
     Scene2D* root = new Scene2D(-1, -1);
     root->debugDraw = false;
     populate(*root);
