@@ -81,6 +81,7 @@ TEST_F(EnemyTest, FirstSpotFarFromEveryFriendIsKept) {
     EXPECT_EQ(f->position.y, y);
     EXPECT_EQ(f->target.x, tx);
     EXPECT_EQ(f->target.y, ty);
+    delete f;
 }
 
 TEST_F(EnemyTest, OneSpotNearAFriendMakesAllFiveAttemptsAndTheLastStands) {
@@ -95,6 +96,7 @@ TEST_F(EnemyTest, OneSpotNearAFriendMakesAllFiveAttemptsAndTheLastStands) {
     EXPECT_EQ(f->position.y, draws[9]);
     EXPECT_EQ(f->target.x, draws[10]);
     EXPECT_EQ(f->target.y, draws[11]);
+    delete f;
 }
 
 TEST_F(EnemyTest, SpawnStartsAFadeFromInvisibleAndPutsTheWeaponInTheWorld) {
@@ -108,6 +110,7 @@ TEST_F(EnemyTest, SpawnStartsAFadeFromInvisibleAndPutsTheWeaponInTheWorld) {
     EXPECT_EQ(f->velocity.x, 0.0f);
     EXPECT_EQ(f->sightRange, 3000.0f);
     EXPECT_EQ(f->attackRange, 800.0f);
+    delete f;
 }
 
 TEST_F(EnemyTest, HalfwayThroughTheFadeAlphaIs127AndScaleOneHalf) {
@@ -117,6 +120,7 @@ TEST_F(EnemyTest, HalfwayThroughTheFadeAlphaIs127AndScaleOneHalf) {
     EXPECT_EQ(f->drawable->blendColor.a, 127);
     EXPECT_EQ(f->scale, 0.5f);
     EXPECT_EQ(f->drawable->scale, 0.5f);
+    delete f;
 }
 
 TEST_F(EnemyTest, AfterTheFadeTheLastFadeFrameScaleStaysForLife) {
@@ -135,6 +139,7 @@ TEST_F(EnemyTest, AfterTheFadeTheLastFadeFrameScaleStaysForLife) {
         f->update();
     }
     EXPECT_FLOAT_EQ(f->drawable->scale, 736.0f / 750.0f);
+    delete f;
 }
 
 TEST_F(EnemyTest, FriendAcrossTheWorldEdgeIsChasedThroughTheWrap) {
@@ -299,6 +304,8 @@ TEST_F(EnemyTest, Probe2ShowsTheProbeArtAt96InsteadOf82) {
     EXPECT_EQ(probe2->glow->getDrawMode(), (unsigned)BlendAdd);
     EXPECT_EQ(probe2->sprite->parent, static_cast<Container*>(probe2->group));
     EXPECT_EQ(probe2->drawable, static_cast<Drawable*>(probe2->group));
+    delete probe;
+    delete probe2;
 }
 
 TEST_F(EnemyTest, EveryTypeCarriesItsArtSizeAndNumbers) {
@@ -331,6 +338,7 @@ TEST_F(EnemyTest, EveryTypeCarriesItsArtSizeAndNumbers) {
         EXPECT_EQ(r.e->score, r.score);
         EXPECT_EQ(r.e->sightRange, 3000.0f);
     }
+    for (const Row& row : rows) delete row.e;
 }
 
 TEST_F(EnemyTest, SteadyStateUpdatesAllocateNothing) {

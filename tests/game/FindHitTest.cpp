@@ -19,6 +19,10 @@ protected:
         SessionTest::SetUp();
         weapon = new Plasma();
     }
+    void TearDown() override {
+        delete weapon;
+        SessionTest::TearDown();
+    }
     Plasma* weapon = nullptr;
 };
 
@@ -185,4 +189,5 @@ TEST_F(FindHitTest, EnemyWeaponsHitFriendsNotEnemies) {
     EXPECT_FLOAT_EQ(h.point.x, 575.0f);
     // The player's weapon still sees the enemy, not the friend.
     EXPECT_EQ(weapon->findHit(vec2(100, 100), vec2(1000, 100), 0).point.x, 480.0f);
+    delete enemyGun;
 }

@@ -286,7 +286,7 @@ TEST_F(GameTest, EndDeletesReticleScoreCounterAndPlayer) {
 
 TEST_F(GameTest, LeavingTheIntroStartsARealSessionThatRunsEachFrame) {
     // The intro hand-over builds its own session.
-    g_game = nullptr;
+    deleteSession();
     g_apology = new Apology();
     runlevel = RUNLEVEL_TO_GAME;
     // The fade to black ended long ago.

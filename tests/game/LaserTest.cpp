@@ -23,6 +23,10 @@ protected:
         laser->position = vec3(500, 360, 0);
         setInput(0, 1000, 360);
     }
+    void TearDown() override {
+        delete laser;
+        SessionTest::TearDown();
+    }
     Laser* laser = nullptr;
 };
 

@@ -22,6 +22,10 @@ protected:
         gun = new Plasma();
         gun->position = vec3(1000, 1000, 0);
     }
+    void TearDown() override {
+        delete gun;
+        SessionTest::TearDown();
+    }
     Plasma* gun = nullptr;
 };
 
@@ -136,4 +140,5 @@ TEST_F(PlasmaTest, EnemyPlasmaHitsFriends) {
     EXPECT_EQ(f->hits, 1);
     EXPECT_FLOAT_EQ(f->taken, damage);
     EXPECT_EQ(enemyGun->shots[0].finish, 0u);
+    delete enemyGun;
 }

@@ -39,10 +39,8 @@ protected:
         g_game->weaponBox->add(gauges);
     }
     void TearDown() override {
-        // The session's objects go with the process; the roots are unlinked from them first.
-        g_world->clear();
-        g_hud->clear();
-        g_game = nullptr;
+        delete radar;
+        delete gauges;
         HudScene::TearDown();
     }
 

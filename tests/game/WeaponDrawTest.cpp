@@ -50,6 +50,7 @@ TEST_F(WeaponDrawTest, PlasmaShotSingleDrawShowsItsColour) {
     // The square's half side is 16: nothing 20 pixels away.
     EXPECT_EQ(px.at(661, 360) & 0xffffff, 0u);
     EXPECT_EQ(px.at(640, 381) & 0xffffff, 0u);
+    delete gun;
 }
 
 TEST_F(WeaponDrawTest, PlasmaOverdrawAddsUp) {
@@ -63,6 +64,7 @@ TEST_F(WeaponDrawTest, PlasmaOverdrawAddsUp) {
     EXPECT_EQ(r(c), 255);
     EXPECT_EQ(g(c), 255);
     EXPECT_EQ(b(c), 255);
+    delete gun;
 }
 
 TEST_F(WeaponDrawTest, LaserBeamBodySingleDraw) {
@@ -86,6 +88,7 @@ TEST_F(WeaponDrawTest, LaserBeamBodySingleDraw) {
     EXPECT_NEAR(b(c), 172.8, 1);
     EXPECT_EQ(px.at(900, 370) & 0xffffff, 0u);
     EXPECT_EQ(px.at(900, 350) & 0xffffff, 0u);
+    delete laser;
 }
 
 TEST_F(WeaponDrawTest, LaserBeamFiveAdditiveDraws) {
@@ -101,6 +104,7 @@ TEST_F(WeaponDrawTest, LaserBeamFiveAdditiveDraws) {
     EXPECT_EQ(r(c), 255);
     EXPECT_EQ(g(c), 255);
     EXPECT_EQ(b(c), 255);
+    delete laser;
 }
 
 TEST_F(WeaponDrawTest, DeadBeamDrawsNothing) {
@@ -114,4 +118,5 @@ TEST_F(WeaponDrawTest, DeadBeamDrawsNothing) {
     render();
     EXPECT_EQ(readScreen().at(900, 360) & 0xffffff, 0u);
     EXPECT_EQ(readScreen().at(640, 360) & 0xffffff, 0u);
+    delete laser;
 }

@@ -7,6 +7,7 @@
 #include "game/HUDRadarBox.h"
 #include "game/HUDScoreBox.h"
 #include "game/HUDWeaponBox.h"
+#include "game/Player.h"
 #include "game/Powerup.h"
 #include "game/RadarDisplay.h"
 #include "game/Resources.h"
@@ -49,6 +50,11 @@ void deleteSession() {
         game->removeActor(game->scoreBox->counter);
         game->scoreBox->counter = nullptr;
     }
+    // A score counter without its box.
+    if (game->scoreCounter && !game->scoreBox) {
+        game->removeActor(game->scoreCounter);
+        delete game->scoreCounter;
+    }
     // The boxes delete their counters, taking them off the actors; the radar and the gauges sit
     // inside the boxes, which do not delete their children.
     delete game->scoreBox;
@@ -57,6 +63,8 @@ void deleteSession() {
     delete game->radarDisplay;
     delete game->energyGauges;
     delete game->reticle;
+    // The player is off the lists while it waits to respawn and after the game is over.
+    delete game->player;
     // Enemies, the player and powerups take themselves off every list; slices and emitters of
     // their weapons go back to the particle systems, so those stay until the end.
     deleteAll(game->actors);
