@@ -26,10 +26,7 @@ class EnemyTest : public SessionTest {
 protected:
     // A fighter listed as nextWave lists it, already faded in, at rest at `at`.
     static Fighter* fighterAt(vec2 at) {
-        Fighter* f = new Fighter();
-        g_game->enemies.push(f);
-        g_game->actors.push(f);
-        g_world->add(f->drawable);
+        Fighter* f = listInWorld(new Fighter());
         f->fadeEnd = 0.0f;
         f->position = at;
         f->target = at;

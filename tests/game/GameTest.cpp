@@ -32,10 +32,7 @@ const double PI = 3.14159265358979323846;
 class GameTest : public SessionTest {
 protected:
     static Fighter* fighterAt(vec2 at) {
-        Fighter* f = new Fighter();
-        g_game->enemies.push(f);
-        g_game->actors.push(f);
-        g_world->add(f->drawable);
+        Fighter* f = listInWorld(new Fighter());
         f->position = at;
         return f;
     }

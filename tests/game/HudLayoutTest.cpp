@@ -2,9 +2,6 @@
 // counter in its box, the reticle under the mouse, the radar and gauges inside their boxes; and
 // a whole frame of play with the starfield behind.
 
-#include <cstdio>
-#include <cstdlib>
-
 #include "engine/Orvel.h"
 #include "game/EnergyGauges.h"
 #include "game/Game.h"
@@ -23,34 +20,13 @@ using testing_support::HudScene;
 
 namespace {
 
-class HudLayoutBase : public HudScene {
-protected:
-    // Writes the screen as a binary PPM when NIGHTVECTOR_HUD_SHOT names a file: a picture of
-    // the layout for people, not part of any check.
-    static void saveIfAsked(const Pixels& p) {
-        const char* path = std::getenv("NIGHTVECTOR_HUD_SHOT");
-        if (!path) return;
-        FILE* f = std::fopen(path, "wb");
-        if (!f) return;
-        std::fprintf(f, "P6\n%d %d\n255\n", p.width, p.height);
-        for (int y = 0; y < p.height; ++y) {
-            for (int x = 0; x < p.width; ++x) {
-                uint32_t c = p.at(x, y);
-                unsigned char rgb[3] = {red(c), green(c), blue(c)};
-                std::fwrite(rgb, 1, 3, f);
-            }
-        }
-        std::fclose(f);
-    }
-
-    static bool isBlack(uint32_t c) { return (c & 0xffffffu) == 0; }
-};
-
 // The HUD built as the game builds it, without a game.
-class HudLayoutTest : public HudLayoutBase {
+class HudLayoutTest : public HudScene {
 protected:
+    static bool isBlack(uint32_t c) { return (c & 0xffffffu) == 0; }
+
     void SetUp() override {
-        HudLayoutBase::SetUp();
+        HudScene::SetUp();
         scoreBox = new HUD_ScoreBox();
         scoreBox->setHotSpot(TopLeft);
         scoreBox->position = orvel::vec3(100, 30, 0);
@@ -71,7 +47,7 @@ protected:
         delete radarBox;
         delete weaponBox;
         delete scoreBox;
-        HudLayoutBase::TearDown();
+        HudScene::TearDown();
     }
 
     HUD_ScoreBox* scoreBox = nullptr;
@@ -173,7 +149,7 @@ TEST_F(HudLayoutTest, TheRadarAndGaugesShowInsideTheirBoxes) {
     reticle->update();
     drawHud();
     Pixels p = readScreen();
-    saveIfAsked(p);
+    savePictureIfAsked(p, "NIGHTVECTOR_HUD_SHOT");
     uint32_t blip = p.at(1208, 592);
     EXPECT_NEAR(red(blip), 255, 1);
     EXPECT_NEAR(green(blip), 70, 1);

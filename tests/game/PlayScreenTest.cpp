@@ -1,8 +1,6 @@
 // A frame of play with the whole HUD: a real game session stepped into its first wave, the
 // radar and gauges in their boxes, drawn world first, then the HUD.
 
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 
 #include "engine/Orvel.h"
@@ -60,23 +58,6 @@ protected:
         g_hud->draw();
     }
 
-    // Writes the screen as a binary PPM when NIGHTVECTOR_PLAY_SHOT names a file: a picture
-    // for people, not part of any check.
-    static void saveIfAsked(const Pixels& p) {
-        const char* path = std::getenv("NIGHTVECTOR_PLAY_SHOT");
-        if (!path) return;
-        FILE* f = std::fopen(path, "wb");
-        if (!f) return;
-        std::fprintf(f, "P6\n%d %d\n255\n", p.width, p.height);
-        for (int y = 0; y < p.height; ++y) {
-            for (int x = 0; x < p.width; ++x) {
-                uint32_t c = p.at(x, y);
-                unsigned char rgb[3] = {red(c), green(c), blue(c)};
-                std::fwrite(rgb, 1, 3, f);
-            }
-        }
-        std::fclose(f);
-    }
 
     RadarDisplay* radar = nullptr;
     EnergyGauges* gauges = nullptr;
@@ -93,7 +74,7 @@ TEST_F(PlayScreenTest, TheFirstWaveShowsOnTheRadarWhileTheScoreRolls) {
     playUntil(6800, 900, 260);
     drawFrame();
     Pixels p = readScreen();
-    saveIfAsked(p);
+    savePictureIfAsked(p, "NIGHTVECTOR_PLAY_SHOT");
 
     // The radar gathered every enemy of the wave.
     EXPECT_EQ(radar->blips.count, g_game->enemies.count + g_game->powerups.count);

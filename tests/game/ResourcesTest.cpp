@@ -125,7 +125,7 @@ TEST_F(ResourcesTest, MissingFileEndsItsLineInErrorAndLoadingGoesOn) {
     std::string output = testing::internal::GetCapturedStdout();
     ASSERT_EQ(chdir(cwd), 0);
     EXPECT_EQ(system(("rm -rf " + root).c_str()), 0);
-    EXPECT_EQ(output, loadingLines("gfx/star.png"));
+    EXPECT_EQ(output, loadingLines({"gfx/star.png"}));
     ASSERT_NE(Resources::star_tex, nullptr);
     EXPECT_EQ(Resources::star_tex->width, 0);
     EXPECT_GT(Resources::skybox_top_tex->width, 0);

@@ -9,24 +9,15 @@
 #include "engine/Orvel.h"
 #include "tests/support/GameSession.h"
 
-using testing_support::HudScene;
+using testing_support::StarfieldScene;
 
 namespace {
 
 std::vector<GLsizei> drawnCounts;
 bool counting = false;
 
-class StarfieldBatchTest : public HudScene {
+class StarfieldBatchTest : public StarfieldScene {
 protected:
-    void SetUp() override {
-        HudScene::SetUp();
-        projection = orvel::mat4::createOrthoMatrix(-640, 640, -360, 360, -10, 10);
-        state.projection2D = &projection;
-        state.projection3D = &projection;
-        state.color = Color4ub{255, 255, 255, 255};
-        state.viewRects = nullptr;
-    }
-
     // The vertex counts of the draw calls one stars-only draw() makes.
     std::vector<GLsizei> drawCallsFor(int stars) {
         Starfield sf(stars);
@@ -37,9 +28,6 @@ protected:
         counting = false;
         return drawnCounts;
     }
-
-    orvel::mat4 projection;
-    SceneState state;
 };
 
 } // namespace

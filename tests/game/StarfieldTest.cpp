@@ -20,7 +20,7 @@ using orvel::Orvel;
 using orvel::Random;
 using orvel::vec2;
 using orvel::vec3;
-using testing_support::HudScene;
+using testing_support::StarfieldScene;
 
 namespace {
 
@@ -52,18 +52,8 @@ protected:
     int savedHeight = 0;
 };
 
-class StarfieldDrawTest : public HudScene {
+class StarfieldDrawTest : public StarfieldScene {
 protected:
-    // The world scene's screen projection, as the scene root hands it to effects.
-    void SetUp() override {
-        HudScene::SetUp();
-        projection = orvel::mat4::createOrthoMatrix(-640, 640, -360, 360, -10, 10);
-        state.projection2D = &projection;
-        state.projection3D = &projection;
-        state.color = Color4ub{255, 255, 255, 255};
-        state.viewRects = nullptr;
-    }
-
     // A texture of one opaque white texel per pixel, so a star shows its vertex colour.
     static orvel::Texture* whiteTexture() {
         orvel::Surface s(32, 16);
@@ -80,9 +70,6 @@ protected:
         glEnable(GL_BLEND);
         glDisable(GL_DEPTH_TEST);
     }
-
-    orvel::mat4 projection;
-    SceneState state;
 };
 
 } // namespace

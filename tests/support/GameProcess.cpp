@@ -67,6 +67,12 @@ void Surroundings::writeFile(const std::string& file, const std::string& bytes) 
     out << bytes;
 }
 
+void Surroundings::linkData() {
+    linkFolder("gfx");
+    linkFolder("sfx");
+    linkFolder("shaders");
+}
+
 bool Surroundings::exists(const std::string& file) const { return access((dir + "/" + file).c_str(), F_OK) == 0; }
 
 GameProcess::GameProcess(const std::string& workingDir, const std::vector<std::string>& env)
@@ -137,6 +143,12 @@ int GameProcess::waitForExit(int timeoutMs) {
     return -1;
 }
 
+void GameProcess::holdKey(const std::string& key) {
+    pressKey(key);
+    pause(500);
+    releaseKey(key);
+}
+
 void GameProcess::pressKey(const std::string& key) { xdriver::xdotool("keydown " + key); }
 void GameProcess::releaseKey(const std::string& key) { xdriver::xdotool("keyup " + key); }
 
@@ -190,6 +202,24 @@ bool loadBmp(const std::string& path, Image& image) {
         }
     SDL_FreeSurface(bmp);
     return true;
+}
+
+std::pair<int, int> Image::inkColumns(int y0, int y1) const {
+    int first = -1, last = -1;
+    for (int y = y0; y < y1; ++y)
+        for (int x = 0; x < width; ++x)
+            if (at(x, y) != BACKGROUND) {
+                if (first < 0 || x < first) first = x;
+                if (x > last) last = x;
+            }
+    return {first, last};
+}
+
+bool Image::hasInk(int x0, int y0, int x1, int y1) const {
+    for (int y = y0; y < y1; ++y)
+        for (int x = x0; x < x1; ++x)
+            if (at(x, y) != BACKGROUND) return true;
+    return false;
 }
 
 } // namespace e2e

@@ -1,5 +1,7 @@
 #include "tests/support/GameSession.h"
 
+#include <cstdio>
+#include <cstdlib>
 #include <vector>
 
 #include "engine/Random.h"
@@ -123,6 +125,31 @@ void HudScene::drawHud() {
     glClearColor(0, 0, 0, 0);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
     g_hud->draw();
+}
+
+void HudScene::savePictureIfAsked(const Pixels& p, const char* variable) {
+    const char* path = std::getenv(variable);
+    if (!path) return;
+    FILE* f = std::fopen(path, "wb");
+    if (!f) return;
+    std::fprintf(f, "P6\n%d %d\n255\n", p.width, p.height);
+    for (int y = 0; y < p.height; ++y) {
+        for (int x = 0; x < p.width; ++x) {
+            uint32_t c = p.at(x, y);
+            unsigned char rgb[3] = {red(c), green(c), blue(c)};
+            std::fwrite(rgb, 1, 3, f);
+        }
+    }
+    std::fclose(f);
+}
+
+void StarfieldScene::SetUp() {
+    HudScene::SetUp();
+    projection = orvel::mat4::createOrthoMatrix(-640, 640, -360, 360, -10, 10);
+    state.projection2D = &projection;
+    state.projection3D = &projection;
+    state.color = Color4ub{255, 255, 255, 255};
+    state.viewRects = nullptr;
 }
 
 void SessionTest::SetUp() {

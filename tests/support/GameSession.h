@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include "engine/Matrix.h"
 #include "engine/Orvel.h"
 #include "engine/Random.h"
 #include "engine/Vector.h"
@@ -83,6 +84,20 @@ protected:
     static uint8_t red(uint32_t c) { return (uint8_t)(c & 0xff); }
     static uint8_t green(uint32_t c) { return (uint8_t)((c >> 8) & 0xff); }
     static uint8_t blue(uint32_t c) { return (uint8_t)((c >> 16) & 0xff); }
+
+    // Writes `p` as a binary PPM to the file the environment variable `variable` names, if any:
+    // a picture for people, not part of any check.
+    static void savePictureIfAsked(const Pixels& p, const char* variable);
+};
+
+// HudScene with the world scene's screen projection and colour, as the scene root hands them to
+// the starfield's draw.
+class StarfieldScene : public HudScene {
+protected:
+    void SetUp() override;
+
+    orvel::mat4 projection;
+    SceneState state;
 };
 
 // A game session: the roots, g_fader, a seeded g_rand and ParticleSystem::random, the clock at
@@ -127,6 +142,13 @@ protected:
         e->radius = radius;
         g_game->enemies.push(e);
         return e;
+    }
+    // `enemy` on the enemies and actors lists with its drawable in the world, as a wave lists it.
+    template <typename T> static T* listInWorld(T* enemy) {
+        g_game->enemies.push(enemy);
+        g_game->actors.push(enemy);
+        g_world->add(enemy->drawable);
+        return enemy;
     }
     // Gives `a` an empty group in the world as its drawable, for nodes inserted after it; the
     // tear-down deletes the group.
