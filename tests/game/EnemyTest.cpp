@@ -69,7 +69,7 @@ public:
 TEST_F(EnemyTest, FirstSpotFarFromEveryFriendIsKept) {
     g_rand.init(42);
     orvel::Random r(42);
-    Fighter* f = new Fighter();
+    Fighter* f = keep(new Fighter());
     const float x = r.randf(0.0f, WORLD);
     const float y = r.randf(0.0f, WORLD);
     const float tx = r.randf(0.0f, WORLD);
@@ -78,7 +78,6 @@ TEST_F(EnemyTest, FirstSpotFarFromEveryFriendIsKept) {
     EXPECT_EQ(f->position.y, y);
     EXPECT_EQ(f->target.x, tx);
     EXPECT_EQ(f->target.y, ty);
-    delete f;
 }
 
 TEST_F(EnemyTest, OneSpotNearAFriendMakesAllFiveAttemptsAndTheLastStands) {
@@ -88,16 +87,15 @@ TEST_F(EnemyTest, OneSpotNearAFriendMakesAllFiveAttemptsAndTheLastStands) {
     for (float& d : draws) d = r.randf(0.0f, WORLD);
     friendAt(vec2(draws[0], draws[1]));
     g_rand.init(42);
-    Fighter* f = new Fighter();
+    Fighter* f = keep(new Fighter());
     EXPECT_EQ(f->position.x, draws[8]);
     EXPECT_EQ(f->position.y, draws[9]);
     EXPECT_EQ(f->target.x, draws[10]);
     EXPECT_EQ(f->target.y, draws[11]);
-    delete f;
 }
 
 TEST_F(EnemyTest, SpawnStartsAFadeFromInvisibleAndPutsTheWeaponInTheWorld) {
-    Fighter* f = new Fighter();
+    Fighter* f = keep(new Fighter());
     EXPECT_EQ(f->fadeStart, (float)START);
     EXPECT_EQ(f->fadeEnd, (float)START + 750.0f);
     EXPECT_EQ(f->drawable->blendColor.a, 0);
@@ -107,21 +105,19 @@ TEST_F(EnemyTest, SpawnStartsAFadeFromInvisibleAndPutsTheWeaponInTheWorld) {
     EXPECT_EQ(f->velocity.x, 0.0f);
     EXPECT_EQ(f->sightRange, 3000.0f);
     EXPECT_EQ(f->attackRange, 800.0f);
-    delete f;
 }
 
 TEST_F(EnemyTest, HalfwayThroughTheFadeAlphaIs127AndScaleOneHalf) {
-    Fighter* f = new Fighter();
+    Fighter* f = keep(new Fighter());
     setTime(START + 375);
     f->update();
     EXPECT_EQ(f->drawable->blendColor.a, 127);
     EXPECT_EQ(f->scale, 0.5f);
     EXPECT_EQ(f->drawable->scale, 0.5f);
-    delete f;
 }
 
 TEST_F(EnemyTest, AfterTheFadeTheLastFadeFrameScaleStaysForLife) {
-    Fighter* f = new Fighter();
+    Fighter* f = keep(new Fighter());
     // 16 ms frames: the last one inside the fade is at 736 ms, t = 736 / 750.
     for (uint32_t ms = 16; ms <= 752; ms += 16) {
         setTime(START + ms);
@@ -136,7 +132,6 @@ TEST_F(EnemyTest, AfterTheFadeTheLastFadeFrameScaleStaysForLife) {
         f->update();
     }
     EXPECT_FLOAT_EQ(f->drawable->scale, 736.0f / 750.0f);
-    delete f;
 }
 
 TEST_F(EnemyTest, FriendAcrossTheWorldEdgeIsChasedThroughTheWrap) {
@@ -290,8 +285,8 @@ TEST_F(EnemyTest, EnemyDestroyedDuringTheActorLoopIsReplacedByTheLastActor) {
 }
 
 TEST_F(EnemyTest, Probe2ShowsTheProbeArtAt96InsteadOf82) {
-    Probe* probe = new Probe();
-    Probe2* probe2 = new Probe2();
+    Probe* probe = keep(new Probe());
+    Probe2* probe2 = keep(new Probe2());
     EXPECT_EQ(probe->sprite->texture, Resources::enemy_probe_tex);
     EXPECT_EQ(probe->sprite->size.x, 82.0f);
     EXPECT_EQ(probe2->sprite->texture, Resources::enemy_probe_tex);
@@ -301,8 +296,6 @@ TEST_F(EnemyTest, Probe2ShowsTheProbeArtAt96InsteadOf82) {
     EXPECT_EQ(probe2->glow->getDrawMode(), (unsigned)BlendAdd);
     EXPECT_EQ(probe2->sprite->parent, static_cast<Container*>(probe2->group));
     EXPECT_EQ(probe2->drawable, static_cast<Drawable*>(probe2->group));
-    delete probe;
-    delete probe2;
 }
 
 TEST_F(EnemyTest, EveryTypeCarriesItsArtSizeAndNumbers) {
@@ -315,13 +308,13 @@ TEST_F(EnemyTest, EveryTypeCarriesItsArtSizeAndNumbers) {
         int score;
     };
     const Row rows[] = {
-        {new Fighter(), Resources::enemy_fighter_tex, Resources::enemy_fighter_glow_tex, 96, 32, 160, 0.4f, 60, 100},
-        {new Fighter2(), Resources::enemy_fighter2_tex, Resources::enemy_fighter2_glow_tex, 136, 50, 120, 0.55f, 130, 250},
-        {new Hammerhead(), Resources::enemy_hammerhead_tex, Resources::enemy_hammerhead_glow_tex, 136, 50, 95, 0.7f, 190, 700},
-        {new Probe(), Resources::enemy_probe_tex, Resources::enemy_probe_glow_tex, 82, 32, 195, 0.1f, 30, 200},
-        {new Probe2(), Resources::enemy_probe_tex, Resources::enemy_probe_glow_tex, 96, 42, 235, 0.15f, 50, 350},
-        {new Hammerhead2(), Resources::enemy_hammerhead2_tex, Resources::enemy_hammerhead2_glow_tex, 172, 80, 65, 0.9f, 330, 1500},
-        {new Probe3(), Resources::enemy_probe3_tex, Resources::enemy_probe3_glow_tex, 116, 42, 265, 0.2f, 70, 450},
+        {keep(new Fighter()), Resources::enemy_fighter_tex, Resources::enemy_fighter_glow_tex, 96, 32, 160, 0.4f, 60, 100},
+        {keep(new Fighter2()), Resources::enemy_fighter2_tex, Resources::enemy_fighter2_glow_tex, 136, 50, 120, 0.55f, 130, 250},
+        {keep(new Hammerhead()), Resources::enemy_hammerhead_tex, Resources::enemy_hammerhead_glow_tex, 136, 50, 95, 0.7f, 190, 700},
+        {keep(new Probe()), Resources::enemy_probe_tex, Resources::enemy_probe_glow_tex, 82, 32, 195, 0.1f, 30, 200},
+        {keep(new Probe2()), Resources::enemy_probe_tex, Resources::enemy_probe_glow_tex, 96, 42, 235, 0.15f, 50, 350},
+        {keep(new Hammerhead2()), Resources::enemy_hammerhead2_tex, Resources::enemy_hammerhead2_glow_tex, 172, 80, 65, 0.9f, 330, 1500},
+        {keep(new Probe3()), Resources::enemy_probe3_tex, Resources::enemy_probe3_glow_tex, 116, 42, 265, 0.2f, 70, 450},
     };
     for (const Row& r : rows) {
         SCOPED_TRACE(r.size);
@@ -335,7 +328,6 @@ TEST_F(EnemyTest, EveryTypeCarriesItsArtSizeAndNumbers) {
         EXPECT_EQ(r.e->score, r.score);
         EXPECT_EQ(r.e->sightRange, 3000.0f);
     }
-    for (const Row& row : rows) delete row.e;
 }
 
 TEST_F(EnemyTest, SteadyStateUpdatesAllocateNothing) {

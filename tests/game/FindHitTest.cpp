@@ -17,11 +17,7 @@ class FindHitTest : public SessionTest {
 protected:
     void SetUp() override {
         SessionTest::SetUp();
-        weapon = new Plasma();
-    }
-    void TearDown() override {
-        delete weapon;
-        SessionTest::TearDown();
+        weapon = keep(new Plasma());
     }
     Plasma* weapon = nullptr;
 };
@@ -176,7 +172,7 @@ TEST_F(FindHitTest, MoreThanSixtyFourCandidatesOnOneSegment) {
 }
 
 TEST_F(FindHitTest, EnemyWeaponsHitFriendsNotEnemies) {
-    EnemyPlasma* enemyGun = new EnemyPlasma();
+    EnemyPlasma* enemyGun = keep(new EnemyPlasma());
     addEnemy<Enemy>(500, 100, 20);
     EXPECT_EQ(enemyGun->findHit(vec2(100, 100), vec2(1000, 100), 0).actor, nullptr);
 
@@ -189,5 +185,4 @@ TEST_F(FindHitTest, EnemyWeaponsHitFriendsNotEnemies) {
     EXPECT_FLOAT_EQ(h.point.x, 575.0f);
     // The player's weapon still sees the enemy, not the friend.
     EXPECT_EQ(weapon->findHit(vec2(100, 100), vec2(1000, 100), 0).point.x, 480.0f);
-    delete enemyGun;
 }

@@ -19,13 +19,9 @@ class LaserTest : public SessionTest {
 protected:
     void SetUp() override {
         SessionTest::SetUp();
-        laser = new Laser();
+        laser = keep(new Laser());
         laser->position = vec3(500, 360, 0);
         setInput(0, 1000, 360);
-    }
-    void TearDown() override {
-        delete laser;
-        SessionTest::TearDown();
     }
     Laser* laser = nullptr;
 };

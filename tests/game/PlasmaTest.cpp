@@ -19,12 +19,8 @@ class PlasmaTest : public SessionTest {
 protected:
     void SetUp() override {
         SessionTest::SetUp();
-        gun = new Plasma();
+        gun = keep(new Plasma());
         gun->position = vec3(1000, 1000, 0);
-    }
-    void TearDown() override {
-        delete gun;
-        SessionTest::TearDown();
     }
     Plasma* gun = nullptr;
 };
@@ -125,7 +121,7 @@ TEST_F(PlasmaTest, FreedSlotIsReusedBeforeGrowing) {
 
 TEST_F(PlasmaTest, EnemyPlasmaHitsFriends) {
     Orvel::sync = 0.1f;
-    EnemyPlasma* enemyGun = new EnemyPlasma();
+    EnemyPlasma* enemyGun = keep(new EnemyPlasma());
     enemyGun->position = vec3(1000, 1000, 0);
     DummyFriend* f = new DummyFriend();
     f->position = vec2(1000, 1050);
@@ -140,5 +136,4 @@ TEST_F(PlasmaTest, EnemyPlasmaHitsFriends) {
     EXPECT_EQ(f->hits, 1);
     EXPECT_FLOAT_EQ(f->taken, damage);
     EXPECT_EQ(enemyGun->shots[0].finish, 0u);
-    delete enemyGun;
 }

@@ -31,15 +31,10 @@ protected:
         Orvel::sync = 0.016f;
         g_game = new Game();
         g_game->init();
-        radar = new RadarDisplay();
+        radar = keep(new RadarDisplay());
         g_game->radarBox->add(radar);
-        gauges = new EnergyGauges();
+        gauges = keep(new EnergyGauges());
         g_game->weaponBox->add(gauges);
-    }
-    void TearDown() override {
-        delete radar;
-        delete gauges;
-        HudScene::TearDown();
     }
 
     // Steps the game from the current time up to `until` in 16 ms frames, mouse at (mx, my).

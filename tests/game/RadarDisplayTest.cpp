@@ -26,18 +26,13 @@ protected:
 
     void SetUp() override {
         HudScene::SetUp();
-        box = new HUD_RadarBox();
+        box = keep(new HUD_RadarBox());
         box->position = orvel::vec3(1150, 590, 0);
         g_hud->add(box);
-        radar = new RadarDisplay();
+        radar = keep(new RadarDisplay());
         radar->followsGame = false;
         radar->centre = vec2(100, 100);
         radar->worldSize = vec2(4096, 4096);
-    }
-    void TearDown() override {
-        delete radar;
-        delete box;
-        HudScene::TearDown();
     }
 
     // The screen with the box alone, then with the radar in it.

@@ -35,7 +35,7 @@ protected:
 } // namespace
 
 TEST_F(WeaponDrawTest, PlasmaShotSingleDrawShowsItsColour) {
-    Plasma* gun = new Plasma();
+    Plasma* gun = keep(new Plasma());
     gun->overdraw = 1;
     gun->position = vec3(640, 360, 0);
     g_world->add(gun);
@@ -50,11 +50,10 @@ TEST_F(WeaponDrawTest, PlasmaShotSingleDrawShowsItsColour) {
     // The square's half side is 16: nothing 20 pixels away.
     EXPECT_EQ(px.at(661, 360) & 0xffffff, 0u);
     EXPECT_EQ(px.at(640, 381) & 0xffffff, 0u);
-    delete gun;
 }
 
 TEST_F(WeaponDrawTest, PlasmaOverdrawAddsUp) {
-    Plasma* gun = new Plasma();
+    Plasma* gun = keep(new Plasma());
     gun->position = vec3(640, 360, 0);
     g_world->add(gun);
     gun->shoot(vec2(1, 0));
@@ -64,11 +63,10 @@ TEST_F(WeaponDrawTest, PlasmaOverdrawAddsUp) {
     EXPECT_EQ(r(c), 255);
     EXPECT_EQ(g(c), 255);
     EXPECT_EQ(b(c), 255);
-    delete gun;
 }
 
 TEST_F(WeaponDrawTest, LaserBeamBodySingleDraw) {
-    Laser* laser = new Laser();
+    Laser* laser = keep(new Laser());
     laser->overdraw = 0;
     laser->position = vec3(640, 360, 0);
     g_world->add(laser);
@@ -88,11 +86,10 @@ TEST_F(WeaponDrawTest, LaserBeamBodySingleDraw) {
     EXPECT_NEAR(b(c), 172.8, 1);
     EXPECT_EQ(px.at(900, 370) & 0xffffff, 0u);
     EXPECT_EQ(px.at(900, 350) & 0xffffff, 0u);
-    delete laser;
 }
 
 TEST_F(WeaponDrawTest, LaserBeamFiveAdditiveDraws) {
-    Laser* laser = new Laser();
+    Laser* laser = keep(new Laser());
     laser->position = vec3(640, 360, 0);
     g_world->add(laser);
     setInput(0, 1000, 360);
@@ -104,11 +101,10 @@ TEST_F(WeaponDrawTest, LaserBeamFiveAdditiveDraws) {
     EXPECT_EQ(r(c), 255);
     EXPECT_EQ(g(c), 255);
     EXPECT_EQ(b(c), 255);
-    delete laser;
 }
 
 TEST_F(WeaponDrawTest, DeadBeamDrawsNothing) {
-    Laser* laser = new Laser();
+    Laser* laser = keep(new Laser());
     laser->position = vec3(640, 360, 0);
     g_world->add(laser);
     setInput(0, 1000, 360);
@@ -118,5 +114,4 @@ TEST_F(WeaponDrawTest, DeadBeamDrawsNothing) {
     render();
     EXPECT_EQ(readScreen().at(900, 360) & 0xffffff, 0u);
     EXPECT_EQ(readScreen().at(640, 360) & 0xffffff, 0u);
-    delete laser;
 }

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 #include <vector>
 
 #include "engine/Random.h"
@@ -29,8 +30,8 @@ namespace testing_support {
 
 namespace {
 
-// Groups made by SessionTest::placeInWorld; deleted by the tear-down.
-std::vector<Group*> placedGroups;
+// What GameSceneTest::keep took, in order.
+std::vector<std::function<void()>> keptDeletions;
 
 // Deletes the entries of `list` from the last; an entry whose destructor does not take it off
 // the list is taken off here.
@@ -96,7 +97,13 @@ void GameSceneTest::SetUp() {
     g_hud = new DirectScene2D(-1, -1);
 }
 
+void GameSceneTest::keepDeleting(std::function<void()> deletion) { keptDeletions.push_back(std::move(deletion)); }
+
 void GameSceneTest::TearDown() {
+    while (!keptDeletions.empty()) {
+        keptDeletions.back()();
+        keptDeletions.pop_back();
+    }
     deleteSession();
     delete g_fader;
     g_fader = nullptr;
@@ -163,12 +170,6 @@ void SessionTest::SetUp() {
     g_game = new Game();
 }
 
-void SessionTest::TearDown() {
-    GameSceneTest::TearDown();
-    for (Group* g : placedGroups) delete g;
-    placedGroups.clear();
-}
-
 void SessionTest::setInput(uint32_t buttons, int mouseX, int mouseY, int key, int key2) {
     orvel::Orvel::GEvent* e = orvel::Orvel::events;
     for (uint32_t& w : e->keysLive) w = 0;
@@ -193,10 +194,8 @@ void SessionTest::plantFloats(std::initializer_list<float> values) {
 }
 
 void SessionTest::placeInWorld(Actor* a) {
-    Group* g = new Group();
-    placedGroups.push_back(g);
-    a->drawable = g;
-    g_world->add(g);
+    a->drawable = keep(new Group());
+    g_world->add(a->drawable);
 }
 
 } // namespace testing_support

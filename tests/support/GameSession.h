@@ -3,6 +3,7 @@
 // roots, with or without a game session, all freed again after each test.
 
 #include <cstdint>
+#include <functional>
 #include <initializer_list>
 
 #include <gtest/gtest.h>
@@ -66,6 +67,13 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
+    // Deletes `object` at the tear-down, before the session; the last kept goes first.
+    template <typename T> static T* keep(T* object) {
+        keepDeleting([object] { delete object; });
+        return object;
+    }
+    static void keepDeleting(std::function<void()> deletion);
+
     // Loads the art again for this window. Textures die with the window that made them, so tests
     // that draw with the art set it; logic tests keep the first window's (dead) textures.
     bool reloadResources = true;
@@ -106,7 +114,6 @@ class SessionTest : public GameSceneTest {
 protected:
     SessionTest() { reloadResources = false; }
     void SetUp() override;
-    void TearDown() override;
 
     static void setTime(uint32_t ms) { orvel::Orvel::currentTime = ms; }
     // One frame of game logic at time `ms`.
