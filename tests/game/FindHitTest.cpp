@@ -15,6 +15,13 @@ namespace {
 
 class FindHitTest : public SessionTest {
 protected:
+    // `h` names `actor` hit at (x, y).
+    static void expectHit(const hit_struct& h, const Actor* actor, float x, float y) {
+        EXPECT_EQ(h.actor, actor);
+        EXPECT_FLOAT_EQ(h.point.x, x);
+        EXPECT_FLOAT_EQ(h.point.y, y);
+    }
+
     void SetUp() override {
         SessionTest::SetUp();
         weapon = keep(new Plasma());
@@ -39,9 +46,7 @@ TEST_F(FindHitTest, EmptyTargetListGivesNoHit) {
 TEST_F(FindHitTest, SingleCandidateOnTheLineReturnsTheEntryPoint) {
     Enemy* e = addEnemy<Enemy>(500, 100, 20);
     hit_struct h = weapon->findHit(vec2(100, 100), vec2(1000, 100), 16.0f);
-    EXPECT_EQ(h.actor, e);
-    EXPECT_FLOAT_EQ(h.point.x, 480.0f);
-    EXPECT_FLOAT_EQ(h.point.y, 100.0f);
+    expectHit(h, e, 480.0f, 100.0f);
 }
 
 TEST_F(FindHitTest, TheRadiusArgumentIsIgnored) {
@@ -88,9 +93,7 @@ TEST_F(FindHitTest, EnemyAcrossTheWrapEdgeIsHitOnTheShotsSide) {
         g_game->enemies.clear();
         Enemy* e = addEnemy<Enemy>(c.enemy.x, c.enemy.y, 10);
         hit_struct h = weapon->findHit(c.from, c.to, 0);
-        EXPECT_EQ(h.actor, e);
-        EXPECT_FLOAT_EQ(h.point.x, c.point.x);
-        EXPECT_FLOAT_EQ(h.point.y, c.point.y);
+        expectHit(h, e, c.point.x, c.point.y);
         delete e;
     }
 }
@@ -99,9 +102,7 @@ TEST_F(FindHitTest, NearerOfTwoEnemiesWinsWhateverTheListOrder) {
     addEnemy<Enemy>(800, 100, 20);
     Enemy* nearer = addEnemy<Enemy>(400, 100, 20);
     hit_struct h = weapon->findHit(vec2(100, 100), vec2(1000, 100), 0);
-    EXPECT_EQ(h.actor, nearer);
-    EXPECT_FLOAT_EQ(h.point.x, 380.0f);
-    EXPECT_FLOAT_EQ(h.point.y, 100.0f);
+    expectHit(h, nearer, 380.0f, 100.0f);
 }
 
 TEST_F(FindHitTest, NearerWrappedCopyWinsOverAFartherPlainPosition) {
@@ -110,9 +111,7 @@ TEST_F(FindHitTest, NearerWrappedCopyWinsOverAFartherPlainPosition) {
     addEnemy<Enemy>(900, 100, 20);
     Enemy* wrapped = addEnemy<Enemy>(4150, 100, 20);
     hit_struct h = weapon->findHit(vec2(0, 100), vec2(1000, 100), 0);
-    EXPECT_EQ(h.actor, wrapped);
-    EXPECT_FLOAT_EQ(h.point.x, 34.0f);
-    EXPECT_FLOAT_EQ(h.point.y, 100.0f);
+    expectHit(h, wrapped, 34.0f, 100.0f);
 }
 
 TEST_F(FindHitTest, EqualKeysKeepListOrder) {
@@ -165,9 +164,7 @@ TEST_F(FindHitTest, MoreThanSixtyFourCandidatesOnOneSegment) {
     for (int i = 69; i >= 0; --i) nearest = addEnemy<Enemy>(100.0f + 50.0f * i, 100, 10);
     for (int run = 0; run < 2; ++run) {
         hit_struct h = weapon->findHit(vec2(0, 100), vec2(4000, 100), 0);
-        EXPECT_EQ(h.actor, nearest);
-        EXPECT_FLOAT_EQ(h.point.x, 90.0f);
-        EXPECT_FLOAT_EQ(h.point.y, 100.0f);
+        expectHit(h, nearest, 90.0f, 100.0f);
     }
 }
 

@@ -29,6 +29,15 @@ const float PI_F = 3.14159265358979f;
 // Logic on the 1280 x 720 screen without a window: the screen size is set directly.
 class StarfieldTest : public ::testing::Test {
 protected:
+    // Every float draw of g_rand gives `value` from the start of its table. The int cursor is
+    // moved away so that the complements randf writes land where no float is read.
+    static void everyFloatDrawGives(float value) {
+        for (int i = 0; i < Random::TABLE_SIZE; ++i)
+            g_rand.floatTable[i] = value;
+        g_rand.floatCursor = 0;
+        g_rand.intCursor = 30000;
+    }
+
     void SetUp() override {
         savedWidth = Orvel::width;
         savedHeight = Orvel::height;
@@ -152,12 +161,8 @@ TEST_F(StarfieldTest, ScatterStaysInsideTheMarginsAndRanges) {
 }
 
 TEST_F(StarfieldTest, ASize07StarAtMaximumDepthHasBrightness03) {
-    // Every float draw gives 1: x, y at the far margins, depth 30, size 0.7. The int cursor is
-    // moved away so that the complements randf writes land where no float is read.
-    for (int i = 0; i < Random::TABLE_SIZE; ++i)
-        g_rand.floatTable[i] = 1.0f;
-    g_rand.floatCursor = 0;
-    g_rand.intCursor = 30000;
+    // Every float draw gives 1: x, y at the far margins, depth 30, size 0.7.
+    everyFloatDrawGives(1.0f);
     Starfield sf(1);
     EXPECT_EQ(sf.stars[0].depth, 30.0f);
     EXPECT_FLOAT_EQ(sf.stars[0].size, 0.7f);
@@ -165,10 +170,7 @@ TEST_F(StarfieldTest, ASize07StarAtMaximumDepthHasBrightness03) {
 }
 
 TEST_F(StarfieldTest, AnyStarAtMinimumDepthHasBrightness1) {
-    for (int i = 0; i < Random::TABLE_SIZE; ++i)
-        g_rand.floatTable[i] = 0.0f;
-    g_rand.floatCursor = 0;
-    g_rand.intCursor = 30000;
+    everyFloatDrawGives(0.0f);
     Starfield sf(1);
     EXPECT_EQ(sf.stars[0].depth, 1.0f);
     EXPECT_EQ(sf.stars[0].brightness, 1.0f);
