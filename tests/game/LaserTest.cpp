@@ -80,8 +80,7 @@ TEST_F(LaserTest, HalfwayTheBeamHasHalfWidthAndAlpha) {
 
 TEST_F(LaserTest, DamagePerSecondOfContactScaledByFrameTime) {
     Orvel::sync = 0.02f;
-    DummyEnemy* e = addEnemy<DummyEnemy>(800, 360, 20);
-    placeInWorld(e);
+    DummyEnemy* e = addDummyInWorld(800, 360, 20);
     laser->shoot(vec2(0, 0));
     setTime(START + 325);
     // The damage draw: (0.75 x (85 - 65) + 65) per second, for 0.02 s.
@@ -105,8 +104,7 @@ TEST_F(LaserTest, DamagePerSecondOfContactScaledByFrameTime) {
 }
 
 TEST_F(LaserTest, NoDamageOnceTheLifeIsOver) {
-    DummyEnemy* e = addEnemy<DummyEnemy>(800, 360, 20);
-    placeInWorld(e);
+    DummyEnemy* e = addDummyInWorld(800, 360, 20);
     laser->shoot(vec2(0, 0));
     setTime(START + 649);
     laser->update();
@@ -118,8 +116,7 @@ TEST_F(LaserTest, NoDamageOnceTheLifeIsOver) {
 }
 
 TEST_F(LaserTest, EmitterGoesIdleWhenTheBeamLeavesTheEnemy) {
-    DummyEnemy* e = addEnemy<DummyEnemy>(800, 360, 20);
-    placeInWorld(e);
+    addDummyInWorld(800, 360, 20);
     laser->shoot(vec2(0, 0));
     laser->update();
     EXPECT_EQ(laser->emitters.data[0]->rate, 300u);

@@ -67,8 +67,7 @@ TEST_F(PlasmaTest, ShotEndsAtItsLife) {
 TEST_F(PlasmaTest, HitEndsTheShotDamagesAndSparks) {
     Orvel::sync = 0.1f;
     // Step from 1000 to 1075; the enemy's circle (radius 20 at 1050) is entered at 1030.
-    DummyEnemy* e = addEnemy<DummyEnemy>(1050, 1000, 20);
-    placeInWorld(e);
+    DummyEnemy* e = addDummyInWorld(1050, 1000, 20);
     gun->shoot(vec2(1, 0));
     // The damage draw: 0.25 x (15 - 5) + 5.
     plantFloats({0.25f});

@@ -359,8 +359,7 @@ TEST_F(PlayerTest, FullLifeCycleEndsTheGameOnTheFourthDeath) {
 TEST_F(PlayerTest, SteadyFlightAndFireAllocateNothing) {
     // A target halfway along the line of fire from (2048, 2048) to the mouse's world point
     // (640, 360) keeps the hit test and the sparks busy; the ship is held in place.
-    DummyEnemy* e = addEnemy<DummyEnemy>(1344, 1204, 60);
-    placeInWorld(e);
+    DummyEnemy* e = addDummyInWorld(1344, 1204, 60);
     uint32_t t = START;
     for (int i = 0; i < 120; ++i, t += 16) {
         player->position = vec2(2048, 2048);

@@ -193,9 +193,11 @@ void SessionTest::plantFloats(std::initializer_list<float> values) {
     for (float v : values) g_rand.floatTable[i++] = v;
 }
 
-void SessionTest::placeInWorld(Actor* a) {
-    a->drawable = keep(new Group());
-    g_world->add(a->drawable);
+DummyEnemy* SessionTest::addDummyInWorld(float x, float y, float radius) {
+    DummyEnemy* e = addEnemy<DummyEnemy>(x, y, radius);
+    e->drawable = keep(new Group());
+    g_world->add(e->drawable);
+    return e;
 }
 
 } // namespace testing_support

@@ -157,9 +157,9 @@ protected:
         g_world->add(enemy->drawable);
         return enemy;
     }
-    // Gives `a` an empty group in the world as its drawable, for nodes inserted after it; the
-    // tear-down deletes the group.
-    static void placeInWorld(Actor* a);
+    // addEnemy of a DummyEnemy that has an empty group in the world as its drawable, for nodes
+    // inserted after it; the tear-down deletes the group.
+    static DummyEnemy* addDummyInWorld(float x, float y, float radius);
 };
 
 } // namespace testing_support
