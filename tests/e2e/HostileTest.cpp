@@ -118,8 +118,7 @@ void expectPlayThenQuit(GameProcess& game) {
     // The fade to black takes a second, the fade into the game half a second more.
     e2e::pause(2500);
     EXPECT_TRUE(game.isRunning());
-    game.tapKey("Escape");
-    EXPECT_EQ(game.waitForExit(), 0) << game.errors();
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0) << game.errors();
 }
 
 // Mounts made here live in a mount namespace of the test process's own, with propagation cut, so

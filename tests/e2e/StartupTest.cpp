@@ -34,8 +34,7 @@ TEST(Startup, PrintsLoadingLinesThenTextureMemoryAndQuitsOnEscape) {
     GameProcess game(dir.path());
     ASSERT_TRUE(game.waitForOutput("megabytes\n")) << game.output() << game.errors();
     EXPECT_EQ(game.output(), loadingLines() + memoryLine());
-    game.tapKey("Escape");
-    EXPECT_EQ(game.waitForExit(), 0);
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0);
 }
 
 TEST(Startup, ClosingTheWindowEndsWithStatusZero) {
@@ -64,9 +63,8 @@ TEST(Intro, ScreenshotShowsCentredLinesAndCreditFromTheCentre) {
     GameProcess game(dir.path());
     ASSERT_TRUE(game.waitForOutput("megabytes\n"));
     e2e::pause(500);
-    ASSERT_TRUE(game.screenshot("screenshot_1.bmp"));
     Image shot;
-    ASSERT_TRUE(e2e::loadBmp(dir.path() + "/screenshot_1.bmp", shot));
+    ASSERT_TRUE(game.screenshot("screenshot_1.bmp", shot));
     EXPECT_EQ(shot.width, 1280);
     EXPECT_EQ(shot.height, 720);
 
@@ -78,8 +76,7 @@ TEST(Intro, ScreenshotShowsCentredLinesAndCreditFromTheCentre) {
 
     ASSERT_TRUE(game.screenshot("screenshot_2.bmp"));
     EXPECT_TRUE(dir.exists("screenshot_2.bmp"));
-    game.tapKey("Escape");
-    EXPECT_EQ(game.waitForExit(), 0);
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0);
 }
 
 TEST(Intro, CreditLineStartsAtTheCentreWhileTheOthersAreCentred) {
@@ -88,9 +85,8 @@ TEST(Intro, CreditLineStartsAtTheCentreWhileTheOthersAreCentred) {
     GameProcess game(dir.path());
     ASSERT_TRUE(game.waitForOutput("megabytes\n"));
     e2e::pause(500);
-    ASSERT_TRUE(game.screenshot("screenshot_1.bmp"));
     Image shot;
-    ASSERT_TRUE(e2e::loadBmp(dir.path() + "/screenshot_1.bmp", shot));
+    ASSERT_TRUE(game.screenshot("screenshot_1.bmp", shot));
     // Line 11 ("-- Pale Orbit --") has its top at y = 530, line 12 at 606; cells are 32 px high.
     std::pair<int, int> credit = shot.inkColumns(530, 562);
     ASSERT_GE(credit.first, 0);
@@ -98,8 +94,7 @@ TEST(Intro, CreditLineStartsAtTheCentreWhileTheOthersAreCentred) {
     EXPECT_LT(credit.first, 640 + 16);
     std::pair<int, int> line12 = shot.inkColumns(606, 638);
     EXPECT_NEAR((line12.first + line12.second) / 2.0, 640, 12);
-    game.tapKey("Escape");
-    EXPECT_EQ(game.waitForExit(), 0);
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0);
 }
 
 TEST(Intro, ReturnFadesTheIntroAwayIntoTheGameAndEscapeThenQuits) {
@@ -108,20 +103,17 @@ TEST(Intro, ReturnFadesTheIntroAwayIntoTheGameAndEscapeThenQuits) {
     GameProcess game(dir.path());
     ASSERT_TRUE(game.waitForOutput("megabytes\n"));
     e2e::pause(300);
-    ASSERT_TRUE(game.screenshot("screenshot_1.bmp"));
     Image intro;
-    ASSERT_TRUE(e2e::loadBmp(dir.path() + "/screenshot_1.bmp", intro));
+    ASSERT_TRUE(game.screenshot("screenshot_1.bmp", intro));
     EXPECT_FALSE(intro.hasInk(0, 0, SCORE_BOX_RIGHT, SCORE_BOX_BOTTOM));
     game.tapKey("Return");
     // The fade to black takes a second, the fade into the game half a second more.
     e2e::pause(2500);
-    ASSERT_TRUE(game.screenshot("screenshot_2.bmp"));
     Image play;
-    ASSERT_TRUE(e2e::loadBmp(dir.path() + "/screenshot_2.bmp", play));
+    ASSERT_TRUE(game.screenshot("screenshot_2.bmp", play));
     EXPECT_TRUE(play.hasInk(0, 0, SCORE_BOX_RIGHT, SCORE_BOX_BOTTOM));
     EXPECT_TRUE(game.isRunning());
-    game.tapKey("Escape");
-    EXPECT_EQ(game.waitForExit(), 0);
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0);
 }
 
 TEST(Intro, EscapeDuringTheFadeToBlackIsIgnored) {
@@ -136,8 +128,7 @@ TEST(Intro, EscapeDuringTheFadeToBlackIsIgnored) {
     game.tapKey("Escape"); // within the 1000 ms fade
     e2e::pause(2500);
     EXPECT_TRUE(game.isRunning());
-    game.tapKey("Escape");
-    EXPECT_EQ(game.waitForExit(), 0);
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0);
 }
 
 TEST(Intro, HeldMouseButtonStartsTheGame) {
@@ -150,12 +141,10 @@ TEST(Intro, HeldMouseButtonStartsTheGame) {
     e2e::pause(200);
     game.releaseButton(1);
     e2e::pause(2500);
-    ASSERT_TRUE(game.screenshot("screenshot_1.bmp"));
     Image play;
-    ASSERT_TRUE(e2e::loadBmp(dir.path() + "/screenshot_1.bmp", play));
+    ASSERT_TRUE(game.screenshot("screenshot_1.bmp", play));
     EXPECT_TRUE(play.hasInk(0, 0, SCORE_BOX_RIGHT, SCORE_BOX_BOTTOM));
-    game.tapKey("Escape");
-    EXPECT_EQ(game.waitForExit(), 0);
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0);
 }
 
 TEST(BadSurroundings, MissingImageEndsItsLineInErrorAndTheIntroStillShows) {
@@ -167,12 +156,10 @@ TEST(BadSurroundings, MissingImageEndsItsLineInErrorAndTheIntroStillShows) {
     ASSERT_TRUE(game.waitForOutput("megabytes\n"));
     EXPECT_EQ(game.output().rfind(loadingLines({"gfx/star.png"}), 0), 0u) << game.output();
     e2e::pause(300);
-    ASSERT_TRUE(game.screenshot("screenshot_1.bmp"));
     Image shot;
-    ASSERT_TRUE(e2e::loadBmp(dir.path() + "/screenshot_1.bmp", shot));
+    ASSERT_TRUE(game.screenshot("screenshot_1.bmp", shot));
     EXPECT_GE(shot.inkColumns(25, 57).first, 0);
-    game.tapKey("Escape");
-    EXPECT_EQ(game.waitForExit(), 0);
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0);
 }
 
 TEST(BadSurroundings, CorruptPngEndsItsLineInErrorAndTheIntroStillShows) {
@@ -187,12 +174,10 @@ TEST(BadSurroundings, CorruptPngEndsItsLineInErrorAndTheIntroStillShows) {
     ASSERT_TRUE(game.waitForOutput("megabytes\n"));
     EXPECT_EQ(game.output().rfind(loadingLines({"gfx/reticle.png"}), 0), 0u) << game.output();
     e2e::pause(300);
-    ASSERT_TRUE(game.screenshot("screenshot_1.bmp"));
     Image shot;
-    ASSERT_TRUE(e2e::loadBmp(dir.path() + "/screenshot_1.bmp", shot));
+    ASSERT_TRUE(game.screenshot("screenshot_1.bmp", shot));
     EXPECT_GE(shot.inkColumns(25, 57).first, 0);
-    game.tapKey("Escape");
-    EXPECT_EQ(game.waitForExit(), 0);
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0);
 }
 
 TEST(BadSurroundings, WithoutShadersTheGameStillRunsAndQuitsCleanly) {
@@ -203,8 +188,7 @@ TEST(BadSurroundings, WithoutShadersTheGameStillRunsAndQuitsCleanly) {
     ASSERT_TRUE(game.waitForOutput("megabytes\n"));
     e2e::pause(500);
     EXPECT_TRUE(game.isRunning());
-    game.tapKey("Escape");
-    EXPECT_EQ(game.waitForExit(), 0);
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0);
 }
 
 TEST(BadSurroundings, WithoutMusicTheGameRunsSilently) {
@@ -217,8 +201,7 @@ TEST(BadSurroundings, WithoutMusicTheGameRunsSilently) {
     game.tapKey("Return");
     e2e::pause(2000);
     EXPECT_TRUE(game.isRunning());
-    game.tapKey("Escape");
-    EXPECT_EQ(game.waitForExit(), 0);
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0);
 }
 
 TEST(BadSurroundings, WithoutAnAudioDeviceTheGameRunsSilently) {
@@ -230,6 +213,5 @@ TEST(BadSurroundings, WithoutAnAudioDeviceTheGameRunsSilently) {
     game.tapKey("Return");
     e2e::pause(2000);
     EXPECT_TRUE(game.isRunning());
-    game.tapKey("Escape");
-    EXPECT_EQ(game.waitForExit(), 0);
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0);
 }

@@ -87,8 +87,7 @@ TEST(Launcher, StartsTheGameOnTheInstalledDataAndEscapeEndsItWithStatusZero) {
     GameProcess game(player.dir.path(), player.env());
     ASSERT_TRUE(game.waitForOutput("megabytes\n")) << game.output() << game.errors();
     EXPECT_EQ(game.output().rfind(loadingLines() + "Used texture memory: ", 0), 0u) << game.output();
-    game.tapKey("Escape");
-    EXPECT_EQ(game.waitForExit(), 0);
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0);
 }
 
 TEST(Launcher, ScreenshotLandsInThePlayersDirectory) {
@@ -107,8 +106,7 @@ TEST(Launcher, ScreenshotLandsInThePlayersDirectory) {
     EXPECT_EQ(shot.width, 1280);
     EXPECT_EQ(shot.height, 720);
     EXPECT_FALSE(player.dir.exists("screenshot_1.bmp"));
-    game.tapKey("Escape");
-    EXPECT_EQ(game.waitForExit(), 0);
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0);
 }
 
 TEST(Launcher, PassesTheGamesExitStatusOnWithoutADisplay) {

@@ -143,6 +143,15 @@ int GameProcess::waitForExit(int timeoutMs) {
     return -1;
 }
 
+bool GameProcess::screenshot(const std::string& name, Image& image) {
+    return screenshot(name) && loadBmp(dir + "/" + name, image);
+}
+
+int GameProcess::escapeAndWaitForExit() {
+    tapKey("Escape");
+    return waitForExit();
+}
+
 void GameProcess::holdKey(const std::string& key) {
     pressKey(key);
     pause(500);

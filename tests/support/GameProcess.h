@@ -37,6 +37,8 @@ private:
     std::string dir;
 };
 
+struct Image;
+
 class GameProcess {
 public:
     // Starts the game in `workingDir` with `env` ("NAME=value"; "NAME=" unsets NAME) added to this
@@ -69,6 +71,10 @@ public:
     unsigned long window();
     // Takes a screenshot with F1 and waits for the file `name` to be complete.
     bool screenshot(const std::string& name, int timeoutMs = 20000);
+    // The same, then reads the file into `image`; false when either step failed.
+    bool screenshot(const std::string& name, Image& image);
+    // Taps Escape, which ends the game from any screen, and returns waitForExit()'s status.
+    int escapeAndWaitForExit();
 
 private:
     std::string dir;
