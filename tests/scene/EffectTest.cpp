@@ -4,6 +4,7 @@
 #include "engine/ShaderProgram.h"
 #include "scene/Group.h"
 #include "scene/Scene2D.h"
+#include "tests/scene/ColourDraw.h"
 #include "tests/scene/VisualsFixture.h"
 
 using orvel::vec3;
@@ -18,19 +19,9 @@ public:
         ++draws;
         seenPosition = state.position;
         static GLfloat vertices[8] = {0, 0, 10, 0, 10, 10, 0, 10};
-        static GLubyte colors[16];
-        for (int i = 0; i < 16; i += 4) {
-            colors[i + 0] = state.color.r;
-            colors[i + 1] = state.color.g;
-            colors[i + 2] = state.color.b;
-            colors[i + 3] = state.color.a;
-        }
-        Shaders::color_shader_fixed->bind();
         glEnableClientState(GL_VERTEX_ARRAY);
         glEnableClientState(GL_COLOR_ARRAY);
-        glVertexPointer(2, GL_FLOAT, 0, vertices);
-        glColorPointer(4, GL_UNSIGNED_BYTE, 0, colors);
-        glDrawArrays(GL_QUADS, 0, 4);
+        scene_test::drawInColour(GL_QUADS, vertices, 4, state.color);
     }
 
     int draws = 0;
