@@ -38,19 +38,21 @@ run: build-deps
 	cmake --build $(BUILD_DIR) -j $(JOBS) --target nightvector
 	./$(BUILD_DIR)/nightvector
 
-# GL tests start a private Xvfb server (1280x720x24) each; see tests/xvfb-exec. End-to-end tests
-# drive the real program through X on a busy machine, so a failed test runs once more before it
-# counts as failed; a real fault fails both times.
+# GL tests start a private Xvfb server (1280x720x24) each; see tests/xvfb-exec. Unit tests run
+# once: one failure is a failure. End-to-end tests (label e2e) drive the real program through X
+# on a busy machine, so a failed one runs once more before it counts as failed; a real fault
+# fails both times. The long ones go first (their COST), so that no core waits on them at the end.
 # The benchmarks are built too, so that the suite proves they compile; `make bench` runs them.
 test: test-deps
 	$(call configure,-DNIGHTVECTOR_TESTS=ON -DNIGHTVECTOR_BENCH=ON)
 	cmake --build $(BUILD_DIR) -j $(JOBS)
-	cd $(BUILD_DIR) && ctest --output-on-failure -j $(JOBS) --repeat until-pass:2
+	cd $(BUILD_DIR) && ctest --output-on-failure -j $(JOBS) -LE e2e
+	cd $(BUILD_DIR) && ctest --output-on-failure -j $(JOBS) -L e2e --repeat until-pass:2
 	$(MAKE) test-sanitize
 
 # Every program of ours built with AddressSanitizer and UndefinedBehaviorSanitizer in a build
-# directory of its own; runs every test program but the end-to-end ones, then the two-minute input
-# storm against the sanitized game. Any report ends the program that made it with status 23, so the
+# directory of its own; runs every test program but the end-to-end ones, and beside them the
+# two-minute input storm against the sanitized game (label e2e-storm, run once). Any report ends the program that made it with status 23, so the
 # test fails. Leaks inside system libraries are suppressed in tests/sanitize/lsan.supp. The Python
 # data checks run no code of ours and are left out.
 SANITIZE_ENV := \
@@ -61,7 +63,7 @@ SANITIZE_ENV := \
 test-sanitize: test-deps
 	cmake -S . -B $(SANITIZE_DIR) -DCMAKE_BUILD_TYPE=$(BUILD_TYPE) -DNIGHTVECTOR_TESTS=ON -DNIGHTVECTOR_SANITIZE=ON
 	cmake --build $(SANITIZE_DIR) -j $(JOBS)
-	cd $(SANITIZE_DIR) && $(SANITIZE_ENV) ctest --output-on-failure -j $(JOBS) -LE e2e -E '^(MusicAsset|Assets)\.'
+	cd $(SANITIZE_DIR) && $(SANITIZE_ENV) ctest --output-on-failure -j $(JOBS) -LE '^e2e$$' -E '^(MusicAsset|Assets)\.'
 
 # The input storm for half an hour (SOAK_SECONDS) against the normal build, with the game's
 # resident memory sampled every 10 s into $(BUILD_DIR)/soak-rss.csv; after the first minute it

@@ -14,7 +14,7 @@
 #include "engine/Orvel.h"
 #include "game/Game.h"
 #include "game/Main.h"
-#include "tests/AllocationCounter.h"
+#include "tests/support/AllocationCounter.h"
 
 namespace {
 

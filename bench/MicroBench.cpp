@@ -31,7 +31,7 @@
 #include "scene/ParticleSlice.h"
 #include "scene/ParticleSystem.h"
 #include "scene/Scene2D.h"
-#include "tests/AllocationCounter.h"
+#include "tests/support/AllocationCounter.h"
 
 using orvel::Orvel;
 using orvel::vec2;

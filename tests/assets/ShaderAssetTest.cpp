@@ -117,7 +117,7 @@ GLuint buildProgram(const char* name, std::string* log)
 }
 
 // One window and GL context for every test of the process.
-class ShaderAssets : public ::testing::Test {
+class ShaderAssetTest : public ::testing::Test {
 protected:
     static void SetUpTestSuite()
     {
@@ -280,7 +280,7 @@ void makeLineTexels(bool vertical, unsigned char* texels)
 }
 
 // Builds, compiles and links one program per test so that a failure names the program.
-class ShaderProgramBuild : public ShaderAssets, public ::testing::WithParamInterface<const char*> {};
+class ShaderProgramBuild : public ShaderAssetTest, public ::testing::WithParamInterface<const char*> {};
 
 TEST_P(ShaderProgramBuild, HasVertexAndFragmentFilesTargetingGlsl120OrEarlier)
 {
@@ -306,7 +306,7 @@ TEST_P(ShaderProgramBuild, CompilesAndLinks)
 INSTANTIATE_TEST_SUITE_P(EveryProgram, ShaderProgramBuild, ::testing::ValuesIn(PROGRAM_NAMES),
                          [](const ::testing::TestParamInfo<const char*>& info) { return std::string(info.param); });
 
-TEST_F(ShaderAssets, TexturedProgramsReadTheUniformNamedTexture)
+TEST_F(ShaderAssetTest, TexturedProgramsReadTheUniformNamedTexture)
 {
     for (const char* name : TEXTURED_PROGRAM_NAMES) {
         std::string log;
@@ -317,7 +317,7 @@ TEST_F(ShaderAssets, TexturedProgramsReadTheUniformNamedTexture)
     }
 }
 
-TEST_F(ShaderAssets, ColorFixedOutputsTheVertexColour)
+TEST_F(ShaderAssetTest, ColorFixedOutputsTheVertexColour)
 {
     useProgram("color_fixed");
     drawQuad(-1, -1, 1, 1, {200, 100, 37, 255});
@@ -325,7 +325,7 @@ TEST_F(ShaderAssets, ColorFixedOutputsTheVertexColour)
     EXPECT_TRUE(rgbEquals({200, 100, 37, 255}, readPixel(60, 50)));
 }
 
-TEST_F(ShaderAssets, ColorFixedPlacesVerticesThroughTheFixedFunctionMatrices)
+TEST_F(ShaderAssetTest, ColorFixedPlacesVerticesThroughTheFixedFunctionMatrices)
 {
     useProgram("color_fixed");
     // The quad 0..16 lands on the pixel columns 16..31.
@@ -337,7 +337,7 @@ TEST_F(ShaderAssets, ColorFixedPlacesVerticesThroughTheFixedFunctionMatrices)
     EXPECT_TRUE(rgbEquals({0, 0, 0, 255}, readPixel(32, 32)));
 }
 
-TEST_F(ShaderAssets, TextureFixedMultipliesTexelByVertexColour)
+TEST_F(ShaderAssetTest, TextureFixedMultipliesTexelByVertexColour)
 {
     // Bottom row: (204, 51, 255) and white; top row: (0, 128, 204) and (51, 102, 153).
     const unsigned char texels[] = {
@@ -354,7 +354,7 @@ TEST_F(ShaderAssets, TextureFixedMultipliesTexelByVertexColour)
     EXPECT_TRUE(rgbEquals({31, 102, 61, 255}, readPixel(48, 48)));   // 0.12 -> 30.6, 0.24 -> 61.2
 }
 
-TEST_F(ShaderAssets, TextureFixedMultipliesTexelAlphaByVertexAlpha)
+TEST_F(ShaderAssetTest, TextureFixedMultipliesTexelAlphaByVertexAlpha)
 {
     const unsigned char texel[] = {255, 255, 255, 204};
     makeTexture(1, 1, texel);
@@ -366,7 +366,7 @@ TEST_F(ShaderAssets, TextureFixedMultipliesTexelAlphaByVertexAlpha)
     EXPECT_TRUE(rgbEquals({122, 122, 122, 255}, readPixel(32, 32)));  // 0.8 * 0.6 = 0.48 -> 122.4
 }
 
-TEST_F(ShaderAssets, TextureProgramMatchesTextureFixed)
+TEST_F(ShaderAssetTest, TextureProgramMatchesTextureFixed)
 {
     const unsigned char texel[] = {204, 51, 255, 255};
     makeTexture(1, 1, texel);
@@ -379,7 +379,7 @@ TEST_F(ShaderAssets, TextureProgramMatchesTextureFixed)
     EXPECT_TRUE(rgbEquals({0, 0, 0, 255}, readPixel(32, 32)));
 }
 
-TEST_F(ShaderAssets, ColorProgramMatchesColorFixed)
+TEST_F(ShaderAssetTest, ColorProgramMatchesColorFixed)
 {
     useProgram("color");
     placeInWindowPixelsShifted(16);
@@ -390,7 +390,7 @@ TEST_F(ShaderAssets, ColorProgramMatchesColorFixed)
     EXPECT_TRUE(rgbEquals({0, 0, 0, 255}, readPixel(32, 32)));
 }
 
-TEST_F(ShaderAssets, ColorExtractKeepsOnlyLightAboveTheThreshold)
+TEST_F(ShaderAssetTest, ColorExtractKeepsOnlyLightAboveTheThreshold)
 {
     // Left to right: white, grey 0.4 (below the 0.6 threshold), grey 0.8.
     const unsigned char texels[] = {
@@ -405,7 +405,7 @@ TEST_F(ShaderAssets, ColorExtractKeepsOnlyLightAboveTheThreshold)
     EXPECT_TRUE(rgbEquals({102, 102, 102, 255}, readPixel(40, 32)));
 }
 
-TEST_F(ShaderAssets, HBlurKeepsAnEvenImage)
+TEST_F(ShaderAssetTest, HBlurKeepsAnEvenImage)
 {
     unsigned char texels[16 * 16 * 4];
     for (int i = 0; i < 16 * 16; i++) {
@@ -423,7 +423,7 @@ TEST_F(ShaderAssets, HBlurKeepsAnEvenImage)
     EXPECT_TRUE(rgbEquals({200, 120, 40, 255}, readPixel(15, 3)));
 }
 
-TEST_F(ShaderAssets, HBlurSpreadsAVerticalLineAlongRowsByTheGaussianWeights)
+TEST_F(ShaderAssetTest, HBlurSpreadsAVerticalLineAlongRowsByTheGaussianWeights)
 {
     unsigned char texels[LINE_IMAGE_SIZE * LINE_IMAGE_SIZE * 4];
     makeLineTexels(true, texels);
@@ -442,7 +442,7 @@ TEST_F(ShaderAssets, HBlurSpreadsAVerticalLineAlongRowsByTheGaussianWeights)
     EXPECT_TRUE(rgbEquals({0, 0, 0, 255}, readPixel(LINE_POSITION - BLUR_RADIUS - 1, 8)));
 }
 
-TEST_F(ShaderAssets, HBlurLeavesAHorizontalLineSharp)
+TEST_F(ShaderAssetTest, HBlurLeavesAHorizontalLineSharp)
 {
     unsigned char texels[LINE_IMAGE_SIZE * LINE_IMAGE_SIZE * 4];
     makeLineTexels(false, texels);
@@ -455,7 +455,7 @@ TEST_F(ShaderAssets, HBlurLeavesAHorizontalLineSharp)
     EXPECT_TRUE(rgbEquals({0, 0, 0, 255}, readPixel(5, LINE_POSITION - 1)));
 }
 
-TEST_F(ShaderAssets, VBlurSpreadsAHorizontalLineAlongColumnsByTheGaussianWeights)
+TEST_F(ShaderAssetTest, VBlurSpreadsAHorizontalLineAlongColumnsByTheGaussianWeights)
 {
     unsigned char texels[LINE_IMAGE_SIZE * LINE_IMAGE_SIZE * 4];
     makeLineTexels(false, texels);
@@ -473,7 +473,7 @@ TEST_F(ShaderAssets, VBlurSpreadsAHorizontalLineAlongColumnsByTheGaussianWeights
     EXPECT_TRUE(rgbEquals({0, 0, 0, 255}, readPixel(8, LINE_POSITION + BLUR_RADIUS + 1)));
 }
 
-TEST_F(ShaderAssets, VBlurLeavesAVerticalLineSharp)
+TEST_F(ShaderAssetTest, VBlurLeavesAVerticalLineSharp)
 {
     unsigned char texels[LINE_IMAGE_SIZE * LINE_IMAGE_SIZE * 4];
     makeLineTexels(true, texels);

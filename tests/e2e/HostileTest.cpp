@@ -21,80 +21,29 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/ResourceFiles.h"
-#include "tests/e2e/GameProcess.h"
+#include "tests/support/ResourceFiles.h"
+#include "tests/support/GameProcess.h"
+#include "tests/support/StartupReport.h"
 
 using e2e::GameProcess;
 using e2e::Image;
 using e2e::Surroundings;
+using e2e::memoryLine;
 using testing_support::FONT_FILES;
 using testing_support::TEXTURE_FILES;
+using testing_support::loadingLines;
 
 namespace {
 
 const std::string ROOT = REPOSITORY_ROOT;
 const char* const DATA_FOLDERS[] = {"gfx", "sfx", "shaders"};
-const unsigned BACKGROUND = 0x000000;
 
 // The intro's title line: its top row, and the cell height of the repository's medium font.
 const int TITLE_TOP = 25, TITLE_CELL = 32;
 
-struct Size {
-    unsigned w, h;
-};
-
 std::string readRepositoryFile(const std::string& file) {
     std::ifstream in(ROOT + "/" + file, std::ios::binary);
     return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-}
-
-// Width and height from a PNG's header chunk.
-bool pngSize(const std::string& path, Size& size) {
-    std::ifstream in(path, std::ios::binary);
-    unsigned char header[24];
-    if (!in.read(reinterpret_cast<char*>(header), sizeof header)) return false;
-    size.w = header[16] << 24 | header[17] << 16 | header[18] << 8 | header[19];
-    size.h = header[20] << 24 | header[21] << 16 | header[22] << 8 | header[23];
-    return true;
-}
-
-unsigned nextPow2(unsigned n) {
-    unsigned p = 1;
-    while (p < n) p *= 2;
-    return p;
-}
-
-// The memory report when the images have the repository's sizes except those in `sizes`; a file
-// that fails to load is given 0 x 0, as it leaves an empty texture. Every image is padded to powers
-// of two at four bytes a texel; the two generated 128 x 128 particle textures and the world
-// scene's four 1280 x 720 colour targets come on top.
-std::string memoryLine(const std::map<std::string, Size>& sizes = {}) {
-    unsigned bytes = 2 * 128 * 128 * 4 + 4 * 1280 * 720 * 4;
-    std::vector<const char*> files(std::begin(TEXTURE_FILES), std::end(TEXTURE_FILES));
-    files.insert(files.end(), std::begin(FONT_FILES), std::end(FONT_FILES));
-    for (const char* f : files) {
-        Size size{0, 0};
-        auto given = sizes.find(f);
-        if (given != sizes.end())
-            size = given->second;
-        else
-            EXPECT_TRUE(pngSize(ROOT + "/" + f, size)) << f;
-        if (size.w && size.h) bytes += nextPow2(size.w) * nextPow2(size.h) * 4;
-    }
-    char line[128];
-    snprintf(line, sizeof line, "Used texture memory: %f megabytes\n",
-             (double)((float)bytes * (1.0f / 1048576.0f)));
-    return line;
-}
-
-// The progress lines of loading, with "ERROR" behind every file in `failing`.
-std::string loadingLines(const std::set<std::string>& failing) {
-    std::string out = ":: loading resources...\n";
-    for (const char* f : TEXTURE_FILES)
-        out += std::string("Loading texture ") + f + "... " + (failing.count(f) ? "ERROR" : "OK") + "\n";
-    for (const char* f : FONT_FILES)
-        out += std::string("Loading image ") + f + "... " + (failing.count(f) ? "ERROR" : "OK") + "\n";
-    return out + ":: Generating procedural textures... :: All done.\n";
 }
 
 // gfx/, sfx/ and shaders/ linked from the repository, except that the folder holding `replaced`
@@ -136,18 +85,6 @@ bool waitForErrors(GameProcess& game, const std::string& text, int timeoutMs = 2
     return false;
 }
 
-// Columns of non-background pixels in rows [y0, y1): first and last, or -1 when none.
-std::pair<int, int> inkColumns(const Image& image, int y0, int y1) {
-    int first = -1, last = -1;
-    for (int y = y0; y < y1; ++y)
-        for (int x = 0; x < image.width; ++x)
-            if (image.at(x, y) != BACKGROUND) {
-                if (first < 0 || x < first) first = x;
-                if (x > last) last = x;
-            }
-    return {first, last};
-}
-
 // Loading is over: the memory report is the last line of start-up.
 void waitForStartUp(GameProcess& game) {
     ASSERT_TRUE(game.waitForOutput("megabytes\n")) << game.output() << game.errors();
@@ -163,8 +100,8 @@ void titleInk(GameProcess& game, const Surroundings& dir, const std::string& nam
     ASSERT_TRUE(e2e::loadBmp(dir.path() + "/" + name, shot));
     ASSERT_EQ(shot.width, 1280);
     ASSERT_EQ(shot.height, 720);
-    EXPECT_EQ(shot.at(0, 0), BACKGROUND) << "the intro's top left corner is not background";
-    ink = inkColumns(shot, TITLE_TOP, TITLE_TOP + cellHeight);
+    EXPECT_EQ(shot.at(0, 0), Image::BACKGROUND) << "the intro's top left corner is not background";
+    ink = shot.inkColumns(TITLE_TOP, TITLE_TOP + cellHeight);
 }
 
 // The intro shows its title, centred on x = 640.
@@ -181,8 +118,7 @@ void expectPlayThenQuit(GameProcess& game) {
     // The fade to black takes a second, the fade into the game half a second more.
     e2e::pause(2500);
     EXPECT_TRUE(game.isRunning());
-    game.tapKey("Escape");
-    EXPECT_EQ(game.waitForExit(), 0) << game.errors();
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0) << game.errors();
 }
 
 // Mounts made here live in a mount namespace of the test process's own, with propagation cut, so
@@ -253,7 +189,7 @@ TEST(HostileSurroundings, EmptyImageFolderEndsEveryLoadingLineInErrorAndTheGameS
     dir.linkFolder("shaders");
     std::set<std::string> all(std::begin(TEXTURE_FILES), std::end(TEXTURE_FILES));
     all.insert(std::begin(FONT_FILES), std::end(FONT_FILES));
-    std::map<std::string, Size> none;
+    std::map<std::string, e2e::ImageSize> none;
     for (const std::string& f : all) none[f] = {0, 0};
     GameProcess game(dir.path());
     ASSERT_NO_FATAL_FAILURE(waitForStartUp(game));

@@ -7,8 +7,8 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/e2e/GameProcess.h"
-#include "tests/engine/XDriver.h"
+#include "tests/support/GameProcess.h"
+#include "tests/support/XDriver.h"
 
 using e2e::GameProcess;
 using e2e::Image;
@@ -177,33 +177,19 @@ double hudInkOverlap(const Image& a, const Image& b, const Rect& area) {
     return either ? (double)both / either : 0.0;
 }
 
-void linkAll(Surroundings& s) {
-    s.linkFolder("gfx");
-    s.linkFolder("sfx");
-    s.linkFolder("shaders");
-}
-
-// Holds `key` for half a second. The game samples the keyboard once a frame, so a shorter press
-// can fall between two frames when one of them runs long.
-void holdKey(GameProcess& game, const std::string& key) {
-    game.pressKey(key);
-    e2e::pause(500);
-    game.releaseKey(key);
-}
-
 // Leaves the intro with Return and waits until the game has faded in: one second to black, half a
 // second into the game, and some time to spare.
 void startPlaying(GameProcess& game) {
     ASSERT_TRUE(game.waitForOutput("megabytes\n")) << game.output() << game.errors();
     e2e::pause(300);
     game.moveMouse(MOUSE_X, MOUSE_Y);
-    holdKey(game, "Return");
+    game.holdKey("Return");
     e2e::pause(2000);
     ASSERT_TRUE(game.isRunning());
 }
 
 void quitWithEscape(GameProcess& game) {
-    holdKey(game, "Escape");
+    game.holdKey("Escape");
     EXPECT_EQ(game.waitForExit(), 0);
 }
 
@@ -213,7 +199,7 @@ void quitWithEscape(GameProcess& game) {
 bool shoot(GameProcess& game, const Surroundings& dir, int& number, Image& image) {
     while (dir.exists("screenshot_" + std::to_string(number + 1) + ".bmp")) ++number;
     for (int press = 0; press < 5; ++press) {
-        holdKey(game, "F1");
+        game.holdKey("F1");
         for (int waited = 0; waited < 5000; waited += 50) {
             for (int n = number + 1; n <= number + 1 + press; ++n)
                 if (e2e::loadBmp(dir.path() + "/screenshot_" + std::to_string(n) + ".bmp", image)) {
@@ -278,7 +264,7 @@ bool findBanner(const Image& shot, const Image& reference, Banner& banner) {
 
 TEST(Play, ScreenShowsStarsHudBoxesShipAndReticleUnderTheMouse) {
     Surroundings dir;
-    linkAll(dir);
+    dir.linkData();
     GameProcess game(dir.path());
     ASSERT_NO_FATAL_FAILURE(startPlaying(game));
     int number = 0;
@@ -319,7 +305,7 @@ TEST(Play, ScreenShowsStarsHudBoxesShipAndReticleUnderTheMouse) {
 
 TEST(Play, FirstWaveIsAnnouncedCentredAtTwoFifthsOfTheScreenHeight) {
     Surroundings dir;
-    linkAll(dir);
+    dir.linkData();
     GameProcess game(dir.path());
     ASSERT_NO_FATAL_FAILURE(startPlaying(game));
     int number = 0;
@@ -349,7 +335,7 @@ TEST(Play, FirstWaveIsAnnouncedCentredAtTwoFifthsOfTheScreenHeight) {
 
 TEST(Play, HoldingDMovesTheStarsButNotTheHudBoxes) {
     Surroundings dir;
-    linkAll(dir);
+    dir.linkData();
     GameProcess game(dir.path());
     ASSERT_NO_FATAL_FAILURE(startPlaying(game));
     int number = 0;
@@ -377,7 +363,7 @@ TEST(Play, HoldingDMovesTheStarsButNotTheHudBoxes) {
 
 TEST(Play, HoldingBothMouseButtonsFiresPlasmaAndLaserFromTheShip) {
     Surroundings dir;
-    linkAll(dir);
+    dir.linkData();
     GameProcess game(dir.path());
     ASSERT_NO_FATAL_FAILURE(startPlaying(game));
     int number = 0;
@@ -400,7 +386,7 @@ TEST(Play, HoldingBothMouseButtonsFiresPlasmaAndLaserFromTheShip) {
 
 TEST(Play, EscapeDuringPlayEndsWithStatusZero) {
     Surroundings dir;
-    linkAll(dir);
+    dir.linkData();
     GameProcess game(dir.path());
     ASSERT_NO_FATAL_FAILURE(startPlaying(game));
     quitWithEscape(game);
@@ -408,7 +394,7 @@ TEST(Play, EscapeDuringPlayEndsWithStatusZero) {
 
 TEST(Play, ClosingTheWindowDuringPlayEndsWithStatusZero) {
     Surroundings dir;
-    linkAll(dir);
+    dir.linkData();
     GameProcess game(dir.path());
     ASSERT_NO_FATAL_FAILURE(startPlaying(game));
     unsigned long window = game.window();

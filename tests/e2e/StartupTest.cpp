@@ -8,82 +8,20 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/ResourceFiles.h"
-#include "tests/e2e/GameProcess.h"
-#include "tests/engine/XDriver.h"
+#include "tests/support/ResourceFiles.h"
+#include "tests/support/GameProcess.h"
+#include "tests/support/StartupReport.h"
+#include "tests/support/XDriver.h"
 
 using e2e::GameProcess;
 using e2e::Image;
 using e2e::Surroundings;
 using testing_support::FONT_FILES;
 using testing_support::TEXTURE_FILES;
+using e2e::memoryLine;
 using testing_support::loadingLines;
 
 namespace {
-
-const unsigned BACKGROUND = 0x000000;
-
-// Width and height from a PNG's header chunk.
-bool pngSize(const std::string& path, unsigned& w, unsigned& h) {
-    std::ifstream in(path, std::ios::binary);
-    unsigned char header[24];
-    if (!in.read(reinterpret_cast<char*>(header), sizeof header)) return false;
-    w = header[16] << 24 | header[17] << 16 | header[18] << 8 | header[19];
-    h = header[20] << 24 | header[21] << 16 | header[22] << 8 | header[23];
-    return true;
-}
-
-unsigned nextPow2(unsigned n) {
-    unsigned p = 1;
-    while (p < n) p *= 2;
-    return p;
-}
-
-// The texture memory line for the repository's images: every texture is padded to powers of two,
-// four bytes a texel, plus the two generated 128 x 128 particle textures and the world scene's
-// four 1280 x 720 colour targets.
-std::string expectedMemoryLine() {
-    unsigned bytes = 2 * 128 * 128 * 4 + 4 * 1280 * 720 * 4;
-    for (const char* f : TEXTURE_FILES) {
-        unsigned w = 0, h = 0;
-        EXPECT_TRUE(pngSize(std::string(REPOSITORY_ROOT) + "/" + f, w, h)) << f;
-        bytes += nextPow2(w) * nextPow2(h) * 4;
-    }
-    for (const char* f : FONT_FILES) {
-        unsigned w = 0, h = 0;
-        EXPECT_TRUE(pngSize(std::string(REPOSITORY_ROOT) + "/" + f, w, h)) << f;
-        bytes += nextPow2(w) * nextPow2(h) * 4;
-    }
-    char line[128];
-    snprintf(line, sizeof line, "Used texture memory: %f megabytes\n", (double)((float)bytes * (1.0f / 1048576.0f)));
-    return line;
-}
-
-void linkAll(Surroundings& s) {
-    s.linkFolder("gfx");
-    s.linkFolder("sfx");
-    s.linkFolder("shaders");
-}
-
-// Columns of non-background pixels in rows [y0, y1): first and last, or -1 when none.
-std::pair<int, int> inkColumns(const Image& image, int y0, int y1) {
-    int first = -1, last = -1;
-    for (int y = y0; y < y1; ++y)
-        for (int x = 0; x < image.width; ++x)
-            if (image.at(x, y) != BACKGROUND) {
-                if (first < 0 || x < first) first = x;
-                if (x > last) last = x;
-            }
-    return {first, last};
-}
-
-// Whether any pixel of the rectangle [x0, x1) x [y0, y1) differs from the background.
-bool hasInk(const Image& image, int x0, int y0, int x1, int y1) {
-    for (int y = y0; y < y1; ++y)
-        for (int x = x0; x < x1; ++x)
-            if (image.at(x, y) != BACKGROUND) return true;
-    return false;
-}
 
 // The score box's corner, where the intro shows nothing and the game its HUD frame.
 const int SCORE_BOX_RIGHT = 200, SCORE_BOX_BOTTOM = 60;
@@ -92,17 +30,16 @@ const int SCORE_BOX_RIGHT = 200, SCORE_BOX_BOTTOM = 60;
 
 TEST(Startup, PrintsLoadingLinesThenTextureMemoryAndQuitsOnEscape) {
     Surroundings dir;
-    linkAll(dir);
+    dir.linkData();
     GameProcess game(dir.path());
     ASSERT_TRUE(game.waitForOutput("megabytes\n")) << game.output() << game.errors();
-    EXPECT_EQ(game.output(), loadingLines() + expectedMemoryLine());
-    game.tapKey("Escape");
-    EXPECT_EQ(game.waitForExit(), 0);
+    EXPECT_EQ(game.output(), loadingLines() + memoryLine());
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0);
 }
 
 TEST(Startup, ClosingTheWindowEndsWithStatusZero) {
     Surroundings dir;
-    linkAll(dir);
+    dir.linkData();
     GameProcess game(dir.path());
     ASSERT_TRUE(game.waitForOutput("megabytes\n"));
     unsigned long window = game.window();
@@ -113,7 +50,7 @@ TEST(Startup, ClosingTheWindowEndsWithStatusZero) {
 
 TEST(Startup, WithoutDisplayReportsSdlErrorAndExitsWithStatusOne) {
     Surroundings dir;
-    linkAll(dir);
+    dir.linkData();
     GameProcess game(dir.path(), {"DISPLAY="});
     EXPECT_EQ(game.waitForExit(), 1);
     EXPECT_EQ(game.errors().rfind("Error initializing SDL: ", 0), 0u) << game.errors();
@@ -122,73 +59,66 @@ TEST(Startup, WithoutDisplayReportsSdlErrorAndExitsWithStatusOne) {
 
 TEST(Intro, ScreenshotShowsCentredLinesAndCreditFromTheCentre) {
     Surroundings dir;
-    linkAll(dir);
+    dir.linkData();
     GameProcess game(dir.path());
     ASSERT_TRUE(game.waitForOutput("megabytes\n"));
     e2e::pause(500);
-    ASSERT_TRUE(game.screenshot("screenshot_1.bmp"));
     Image shot;
-    ASSERT_TRUE(e2e::loadBmp(dir.path() + "/screenshot_1.bmp", shot));
+    ASSERT_TRUE(game.screenshot("screenshot_1.bmp", shot));
     EXPECT_EQ(shot.width, 1280);
     EXPECT_EQ(shot.height, 720);
 
     // The title's band starts at y = 25; its ink is centred on x = 640.
-    std::pair<int, int> title = inkColumns(shot, 25, 40);
+    std::pair<int, int> title = shot.inkColumns(25, 40);
     ASSERT_GE(title.first, 0);
     EXPECT_NEAR((title.first + title.second) / 2.0, 640, 12);
-    EXPECT_EQ(inkColumns(shot, 0, 24).first, -1);
+    EXPECT_EQ(shot.inkColumns(0, 24).first, -1);
 
     ASSERT_TRUE(game.screenshot("screenshot_2.bmp"));
     EXPECT_TRUE(dir.exists("screenshot_2.bmp"));
-    game.tapKey("Escape");
-    EXPECT_EQ(game.waitForExit(), 0);
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0);
 }
 
 TEST(Intro, CreditLineStartsAtTheCentreWhileTheOthersAreCentred) {
     Surroundings dir;
-    linkAll(dir);
+    dir.linkData();
     GameProcess game(dir.path());
     ASSERT_TRUE(game.waitForOutput("megabytes\n"));
     e2e::pause(500);
-    ASSERT_TRUE(game.screenshot("screenshot_1.bmp"));
     Image shot;
-    ASSERT_TRUE(e2e::loadBmp(dir.path() + "/screenshot_1.bmp", shot));
+    ASSERT_TRUE(game.screenshot("screenshot_1.bmp", shot));
     // Line 11 ("-- Pale Orbit --") has its top at y = 530, line 12 at 606; cells are 32 px high.
-    std::pair<int, int> credit = inkColumns(shot, 530, 562);
+    std::pair<int, int> credit = shot.inkColumns(530, 562);
     ASSERT_GE(credit.first, 0);
     EXPECT_GE(credit.first, 640);
     EXPECT_LT(credit.first, 640 + 16);
-    std::pair<int, int> line12 = inkColumns(shot, 606, 638);
+    std::pair<int, int> line12 = shot.inkColumns(606, 638);
     EXPECT_NEAR((line12.first + line12.second) / 2.0, 640, 12);
-    game.tapKey("Escape");
-    EXPECT_EQ(game.waitForExit(), 0);
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0);
 }
 
 TEST(Intro, ReturnFadesTheIntroAwayIntoTheGameAndEscapeThenQuits) {
     Surroundings dir;
-    linkAll(dir);
+    dir.linkData();
     GameProcess game(dir.path());
     ASSERT_TRUE(game.waitForOutput("megabytes\n"));
     e2e::pause(300);
-    ASSERT_TRUE(game.screenshot("screenshot_1.bmp"));
     Image intro;
-    ASSERT_TRUE(e2e::loadBmp(dir.path() + "/screenshot_1.bmp", intro));
-    EXPECT_FALSE(hasInk(intro, 0, 0, SCORE_BOX_RIGHT, SCORE_BOX_BOTTOM));
+    ASSERT_TRUE(game.screenshot("screenshot_1.bmp", intro));
+    EXPECT_FALSE(intro.hasInk(0, 0, SCORE_BOX_RIGHT, SCORE_BOX_BOTTOM));
     game.tapKey("Return");
     // The fade to black takes a second, the fade into the game half a second more.
     e2e::pause(2500);
-    ASSERT_TRUE(game.screenshot("screenshot_2.bmp"));
     Image play;
-    ASSERT_TRUE(e2e::loadBmp(dir.path() + "/screenshot_2.bmp", play));
-    EXPECT_TRUE(hasInk(play, 0, 0, SCORE_BOX_RIGHT, SCORE_BOX_BOTTOM));
+    ASSERT_TRUE(game.screenshot("screenshot_2.bmp", play));
+    EXPECT_TRUE(play.hasInk(0, 0, SCORE_BOX_RIGHT, SCORE_BOX_BOTTOM));
     EXPECT_TRUE(game.isRunning());
-    game.tapKey("Escape");
-    EXPECT_EQ(game.waitForExit(), 0);
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0);
 }
 
 TEST(Intro, EscapeDuringTheFadeToBlackIsIgnored) {
     Surroundings dir;
-    linkAll(dir);
+    dir.linkData();
     GameProcess game(dir.path());
     ASSERT_TRUE(game.waitForOutput("megabytes\n"));
     e2e::pause(300);
@@ -198,13 +128,12 @@ TEST(Intro, EscapeDuringTheFadeToBlackIsIgnored) {
     game.tapKey("Escape"); // within the 1000 ms fade
     e2e::pause(2500);
     EXPECT_TRUE(game.isRunning());
-    game.tapKey("Escape");
-    EXPECT_EQ(game.waitForExit(), 0);
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0);
 }
 
 TEST(Intro, HeldMouseButtonStartsTheGame) {
     Surroundings dir;
-    linkAll(dir);
+    dir.linkData();
     GameProcess game(dir.path());
     ASSERT_TRUE(game.waitForOutput("megabytes\n"));
     e2e::pause(300);
@@ -212,12 +141,10 @@ TEST(Intro, HeldMouseButtonStartsTheGame) {
     e2e::pause(200);
     game.releaseButton(1);
     e2e::pause(2500);
-    ASSERT_TRUE(game.screenshot("screenshot_1.bmp"));
     Image play;
-    ASSERT_TRUE(e2e::loadBmp(dir.path() + "/screenshot_1.bmp", play));
-    EXPECT_TRUE(hasInk(play, 0, 0, SCORE_BOX_RIGHT, SCORE_BOX_BOTTOM));
-    game.tapKey("Escape");
-    EXPECT_EQ(game.waitForExit(), 0);
+    ASSERT_TRUE(game.screenshot("screenshot_1.bmp", play));
+    EXPECT_TRUE(play.hasInk(0, 0, SCORE_BOX_RIGHT, SCORE_BOX_BOTTOM));
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0);
 }
 
 TEST(BadSurroundings, MissingImageEndsItsLineInErrorAndTheIntroStillShows) {
@@ -227,14 +154,12 @@ TEST(BadSurroundings, MissingImageEndsItsLineInErrorAndTheIntroStillShows) {
     dir.linkFolder("shaders");
     GameProcess game(dir.path());
     ASSERT_TRUE(game.waitForOutput("megabytes\n"));
-    EXPECT_EQ(game.output().rfind(loadingLines("gfx/star.png"), 0), 0u) << game.output();
+    EXPECT_EQ(game.output().rfind(loadingLines({"gfx/star.png"}), 0), 0u) << game.output();
     e2e::pause(300);
-    ASSERT_TRUE(game.screenshot("screenshot_1.bmp"));
     Image shot;
-    ASSERT_TRUE(e2e::loadBmp(dir.path() + "/screenshot_1.bmp", shot));
-    EXPECT_GE(inkColumns(shot, 25, 57).first, 0);
-    game.tapKey("Escape");
-    EXPECT_EQ(game.waitForExit(), 0);
+    ASSERT_TRUE(game.screenshot("screenshot_1.bmp", shot));
+    EXPECT_GE(shot.inkColumns(25, 57).first, 0);
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0);
 }
 
 TEST(BadSurroundings, CorruptPngEndsItsLineInErrorAndTheIntroStillShows) {
@@ -247,14 +172,12 @@ TEST(BadSurroundings, CorruptPngEndsItsLineInErrorAndTheIntroStillShows) {
     dir.linkFolder("shaders");
     GameProcess game(dir.path());
     ASSERT_TRUE(game.waitForOutput("megabytes\n"));
-    EXPECT_EQ(game.output().rfind(loadingLines("gfx/reticle.png"), 0), 0u) << game.output();
+    EXPECT_EQ(game.output().rfind(loadingLines({"gfx/reticle.png"}), 0), 0u) << game.output();
     e2e::pause(300);
-    ASSERT_TRUE(game.screenshot("screenshot_1.bmp"));
     Image shot;
-    ASSERT_TRUE(e2e::loadBmp(dir.path() + "/screenshot_1.bmp", shot));
-    EXPECT_GE(inkColumns(shot, 25, 57).first, 0);
-    game.tapKey("Escape");
-    EXPECT_EQ(game.waitForExit(), 0);
+    ASSERT_TRUE(game.screenshot("screenshot_1.bmp", shot));
+    EXPECT_GE(shot.inkColumns(25, 57).first, 0);
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0);
 }
 
 TEST(BadSurroundings, WithoutShadersTheGameStillRunsAndQuitsCleanly) {
@@ -265,8 +188,7 @@ TEST(BadSurroundings, WithoutShadersTheGameStillRunsAndQuitsCleanly) {
     ASSERT_TRUE(game.waitForOutput("megabytes\n"));
     e2e::pause(500);
     EXPECT_TRUE(game.isRunning());
-    game.tapKey("Escape");
-    EXPECT_EQ(game.waitForExit(), 0);
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0);
 }
 
 TEST(BadSurroundings, WithoutMusicTheGameRunsSilently) {
@@ -279,19 +201,17 @@ TEST(BadSurroundings, WithoutMusicTheGameRunsSilently) {
     game.tapKey("Return");
     e2e::pause(2000);
     EXPECT_TRUE(game.isRunning());
-    game.tapKey("Escape");
-    EXPECT_EQ(game.waitForExit(), 0);
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0);
 }
 
 TEST(BadSurroundings, WithoutAnAudioDeviceTheGameRunsSilently) {
     Surroundings dir;
-    linkAll(dir);
+    dir.linkData();
     GameProcess game(dir.path(), {"SDL_AUDIODRIVER=nosuchdevice"});
     ASSERT_TRUE(game.waitForOutput("megabytes\n"));
     e2e::pause(300);
     game.tapKey("Return");
     e2e::pause(2000);
     EXPECT_TRUE(game.isRunning());
-    game.tapKey("Escape");
-    EXPECT_EQ(game.waitForExit(), 0);
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0);
 }

@@ -11,7 +11,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/e2e/GameProcess.h"
+#include "tests/support/GameProcess.h"
 
 using e2e::GameProcess;
 using e2e::Image;
@@ -36,14 +36,6 @@ int stormSeconds() {
 
 std::string screenshotName(int number) { return "screenshot_" + std::to_string(number) + ".bmp"; }
 
-// Holds `key` for half a second. The game samples the keyboard once a frame, so a shorter press
-// can fall between two frames when one of them runs long.
-void holdKey(GameProcess& game, const std::string& key) {
-    game.pressKey(key);
-    e2e::pause(500);
-    game.releaseKey(key);
-}
-
 // The random player: which keys and buttons it holds, and when the next screenshot and Return are due.
 class Storm {
 public:
@@ -57,7 +49,7 @@ public:
             if (!takeScreenshot()) return false;
         } else if (elapsedSeconds >= nextReturn) {
             nextReturn = elapsedSeconds + 15 + rng() % 16;
-            holdKey(game, "Return");
+            game.holdKey("Return");
         } else {
             switch (rng() % 8) {
             case 0: case 1: case 2: toggleKey(rng() % 4); break;
@@ -111,7 +103,7 @@ private:
     bool takeScreenshot() {
         ++requests;
         for (int press = 0; press < 3; ++press) {
-            holdKey(game, "F1");
+            game.holdKey("F1");
             for (int waited = 0; waited < 10000; waited += 50) {
                 if (!game.isRunning()) return false;
                 if (dir.exists(screenshotName(number + 1))) {
@@ -135,7 +127,7 @@ TEST(Storm, RandomInputKeepsTheGameRunningWritesEveryScreenshotAndEscapeEndsWith
     GameProcess game(dir.path());
     ASSERT_TRUE(game.waitForOutput("megabytes\n")) << game.output() << game.errors();
     e2e::pause(300);
-    holdKey(game, "Return");
+    game.holdKey("Return");
     e2e::pause(2000);
     ASSERT_TRUE(game.isRunning()) << game.errors();
 
@@ -153,7 +145,7 @@ TEST(Storm, RandomInputKeepsTheGameRunningWritesEveryScreenshotAndEscapeEndsWith
 
     // Escape is ignored while a fade runs; a Return just before may have started one.
     e2e::pause(1500);
-    holdKey(game, "Escape");
+    game.holdKey("Escape");
     EXPECT_EQ(game.waitForExit(), 0) << game.errors();
 
     // A screenshot every 10 to 20 s; every file from 1 up is whole and screen-sized, and none follows.

@@ -2,7 +2,7 @@
 
 #include "engine/Color.h"
 #include "engine/Vector.h"
-#include "tests/GLFixture.h"
+#include "tests/support/GLFixture.h"
 
 using orvel::Camera;
 using orvel::Color;

@@ -6,8 +6,8 @@
 #include "engine/Color.h"
 #include "engine/Surface.h"
 #include "engine/Texture.h"
-#include "tests/AllocationCounter.h"
-#include "tests/GLFixture.h"
+#include "tests/support/AllocationCounter.h"
+#include "tests/support/GLFixture.h"
 
 using orvel::Color;
 using orvel::Font;
@@ -61,7 +61,7 @@ Surface* cellFont(int w, int h) {
 
 const uint32_t BACKGROUND = 0; // the fixture's clear colour
 
-class FontGL : public GLTest {
+class FontTest : public GLTest {
 protected:
     void SetUp() override {
         GLTest::SetUp();
@@ -189,7 +189,7 @@ TEST(Font, MemberRenderUsesTheFontsImage) {
 
 // ---- Textures ----
 
-TEST_F(FontGL, RenderTexHoldsTheRenderedTextPaddedToPowersOfTwo) {
+TEST_F(FontTest, RenderTexHoldsTheRenderedTextPaddedToPowersOfTwo) {
     Font font(gradientFont());
     // 3 cells of 16: 48 x 16, padded to 64 x 16.
     Texture* t = font.render_tex("AZ!");
@@ -215,7 +215,7 @@ TEST_F(FontGL, RenderTexHoldsTheRenderedTextPaddedToPowersOfTwo) {
 
 // ---- GL drawing ----
 
-TEST_F(FontGL, DrawGlDrawsByte233FromCellColumn9Row14) {
+TEST_F(FontTest, DrawGlDrawsByte233FromCellColumn9Row14) {
     Font font(cellFont(256, 256));
     glScalef(16, 16, 1); // one glyph cell per 16 x 16 pixels
     font.draw_gl("\xe9");
@@ -225,7 +225,7 @@ TEST_F(FontGL, DrawGlDrawsByte233FromCellColumn9Row14) {
     EXPECT_EQ(p.at(8, 16), BACKGROUND);
 }
 
-TEST_F(FontGL, DrawGlAdvancesOneGlyphWidthPerCharacter) {
+TEST_F(FontTest, DrawGlAdvancesOneGlyphWidthPerCharacter) {
     Font font(cellFont(256, 256));
     glTranslatef(40, 30, 0);
     glScalef(16, 16, 1);
@@ -241,7 +241,7 @@ TEST_F(FontGL, DrawGlAdvancesOneGlyphWidthPerCharacter) {
     EXPECT_EQ(p.at(50, 46), BACKGROUND);
 }
 
-TEST_F(FontGL, WideImageGivesGlyphQuadsTwoWideAndOneHigh) {
+TEST_F(FontTest, WideImageGivesGlyphQuadsTwoWideAndOneHigh) {
     // 512 x 256: cells of 32 x 16 pixels, glyph quads 2 x 1 units.
     Font font(cellFont(512, 256));
     glScalef(16, 16, 1);
@@ -253,7 +253,7 @@ TEST_F(FontGL, WideImageGivesGlyphQuadsTwoWideAndOneHigh) {
     EXPECT_EQ(p.at(16, 16), BACKGROUND);
 }
 
-TEST_F(FontGL, DrawGlOfPaddedImageSamplesOnlyTheImagesPart) {
+TEST_F(FontTest, DrawGlOfPaddedImageSamplesOnlyTheImagesPart) {
     // 160 x 80 is padded to 256 x 128: sScale = tScale = 0.625; cells are 10 x 5 pixels and
     // glyph quads 2 x 1 units, so a scale of 5 maps texels 1:1.
     Font font(cellFont(160, 80));
@@ -266,7 +266,7 @@ TEST_F(FontGL, DrawGlOfPaddedImageSamplesOnlyTheImagesPart) {
     EXPECT_EQ(p.at(20, 2), BACKGROUND);
 }
 
-TEST_F(FontGL, DrawGlTintsWithTheCurrentColour) {
+TEST_F(FontTest, DrawGlTintsWithTheCurrentColour) {
     Font font(cellFont(256, 256));
     glScalef(16, 16, 1);
     glColor4f(1, 0, 1, 1);
@@ -276,7 +276,7 @@ TEST_F(FontGL, DrawGlTintsWithTheCurrentColour) {
     expectBlock(p, 0, 0, 16, 16, Color::getColor(24, 0, 200, 255));
 }
 
-TEST_F(FontGL, DrawGlIgnoresAColourArrayLeftEnabled) {
+TEST_F(FontTest, DrawGlIgnoresAColourArrayLeftEnabled) {
     Font font(cellFont(256, 256));
     static const unsigned char black[16] = {0, 0, 0, 255, 0, 0, 0, 255, 0, 0, 0, 255, 0, 0, 0, 255};
     glEnableClientState(GL_COLOR_ARRAY);
@@ -288,7 +288,7 @@ TEST_F(FontGL, DrawGlIgnoresAColourArrayLeftEnabled) {
     EXPECT_FALSE(glIsEnabled(GL_COLOR_ARRAY));
 }
 
-TEST_F(FontGL, DrawGlCreatesTheTextureOnceAndKeepsIt) {
+TEST_F(FontTest, DrawGlCreatesTheTextureOnceAndKeepsIt) {
     Font font(cellFont(256, 256));
     ASSERT_EQ(font.texture, nullptr);
     font.draw_gl("A");
@@ -300,7 +300,7 @@ TEST_F(FontGL, DrawGlCreatesTheTextureOnceAndKeepsIt) {
     EXPECT_EQ(font.texture, first);
 }
 
-TEST_F(FontGL, DrawGlLeavesArraysTexturingAndTheBindingEnabled) {
+TEST_F(FontTest, DrawGlLeavesArraysTexturingAndTheBindingEnabled) {
     Font font(cellFont(256, 256));
     glDisable(GL_TEXTURE_2D);
     font.draw_gl("A");
@@ -314,7 +314,7 @@ TEST_F(FontGL, DrawGlLeavesArraysTexturingAndTheBindingEnabled) {
     EXPECT_EQ((unsigned)bound, font.texture->id);
 }
 
-TEST_F(FontGL, DrawGlAllocatesNothingAfterTheFirstDraw) {
+TEST_F(FontTest, DrawGlAllocatesNothingAfterTheFirstDraw) {
     Font font(cellFont(256, 256));
     font.draw_gl("warm-up");
     std::size_t before = testing_support::allocationCount();
@@ -322,7 +322,7 @@ TEST_F(FontGL, DrawGlAllocatesNothingAfterTheFirstDraw) {
     EXPECT_EQ(testing_support::allocationCount(), before);
 }
 
-TEST_F(FontGL, StaticDrawGlOfNullFontDrawsNothing) {
+TEST_F(FontTest, StaticDrawGlOfNullFontDrawsNothing) {
     glScalef(16, 16, 1);
     Font::draw_gl(nullptr, "A");
     Pixels p = readScreen();
@@ -333,7 +333,7 @@ TEST_F(FontGL, StaticDrawGlOfNullFontDrawsNothing) {
     EXPECT_EQ(readScreen().at(8, 8), cellColor(1, 4));
 }
 
-TEST_F(FontGL, FontWithoutImageDrawsNothing) {
+TEST_F(FontTest, FontWithoutImageDrawsNothing) {
     Font font(nullptr);
     glScalef(16, 16, 1);
     font.draw_gl("A");
@@ -341,7 +341,7 @@ TEST_F(FontGL, FontWithoutImageDrawsNothing) {
     EXPECT_EQ(readScreen().at(8, 8), BACKGROUND);
 }
 
-TEST_F(FontGL, DestroyingTheFontFreesItsTexture) {
+TEST_F(FontTest, DestroyingTheFontFreesItsTexture) {
     uint32_t before = Texture::usedMemory;
     {
         Font font(cellFont(256, 256));

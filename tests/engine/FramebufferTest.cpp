@@ -3,20 +3,16 @@
 #include "engine/Orvel.h"
 #include "engine/Renderbuffer.h"
 #include "engine/Texture.h"
-#include "tests/GLFixture.h"
+#include "tests/support/GLFixture.h"
 
 using orvel::Framebuffer;
 using orvel::Orvel;
 using orvel::Renderbuffer;
 using orvel::Texture;
 using testing_support::GLTest;
+using testing_support::rgba;
 
 namespace {
-
-// Packed colour as glReadPixels gives it: red in the low byte.
-constexpr uint32_t rgba(uint32_t r, uint32_t g, uint32_t b, uint32_t a) {
-    return r | g << 8 | b << 16 | a << 24;
-}
 
 struct Viewport {
     GLint x, y, width, height;

@@ -8,7 +8,7 @@
 
 #include "engine/Surface.h"
 #include "engine/Texture.h"
-#include "tests/GLFixture.h"
+#include "tests/support/GLFixture.h"
 
 using orvel::ImageLoader;
 using orvel::Surface;
@@ -65,9 +65,9 @@ std::string writeMagentaBmp() {
 } // namespace
 
 // Tests run on a real GL context.
-class ImageLoaderGL : public GLTest {};
+class ImageLoaderTest : public GLTest {};
 
-TEST_F(ImageLoaderGL, LoadKeepsEveryChannelIncludingAlpha) {
+TEST_F(ImageLoaderTest, LoadKeepsEveryChannelIncludingAlpha) {
     TempFile file(PNG_3X2, sizeof PNG_3X2);
     ImageLoader::lastError = 5;
     Surface* s = ImageLoader::load(file.path.c_str(), false);
@@ -76,25 +76,25 @@ TEST_F(ImageLoaderGL, LoadKeepsEveryChannelIncludingAlpha) {
     delete s;
 }
 
-TEST_F(ImageLoaderGL, LoadOfMissingFileGivesNullAndError2) {
+TEST_F(ImageLoaderTest, LoadOfMissingFileGivesNullAndError2) {
     EXPECT_EQ(ImageLoader::load("/nonexistent/none.png", false), nullptr);
     EXPECT_EQ(ImageLoader::lastError, 2);
 }
 
-TEST_F(ImageLoaderGL, LoadOfNonImageGivesNullAndError2) {
+TEST_F(ImageLoaderTest, LoadOfNonImageGivesNullAndError2) {
     const char text[] = "this is not an image, only some words\n";
     TempFile file(text, sizeof text - 1);
     EXPECT_EQ(ImageLoader::load(file.path.c_str(), false), nullptr);
     EXPECT_EQ(ImageLoader::lastError, 2);
 }
 
-TEST_F(ImageLoaderGL, LoadOfTruncatedPngGivesNullAndError2) {
+TEST_F(ImageLoaderTest, LoadOfTruncatedPngGivesNullAndError2) {
     TempFile file(PNG_3X2, 50);
     EXPECT_EQ(ImageLoader::load(file.path.c_str(), false), nullptr);
     EXPECT_EQ(ImageLoader::lastError, 2);
 }
 
-TEST_F(ImageLoaderGL, LoadBufDecodesMemoryAndLeavesErrorAsItWas) {
+TEST_F(ImageLoaderTest, LoadBufDecodesMemoryAndLeavesErrorAsItWas) {
     ImageLoader::lastError = 2;
     Surface* s = ImageLoader::loadBuf(PNG_3X2, sizeof PNG_3X2, false);
     expectPngPixels(s);
@@ -102,13 +102,13 @@ TEST_F(ImageLoaderGL, LoadBufDecodesMemoryAndLeavesErrorAsItWas) {
     delete s;
 }
 
-TEST_F(ImageLoaderGL, LoadBufOfTruncatedPngGivesNullAndError1) {
+TEST_F(ImageLoaderTest, LoadBufOfTruncatedPngGivesNullAndError1) {
     ImageLoader::lastError = 0;
     EXPECT_EQ(ImageLoader::loadBuf(PNG_3X2, 50, false), nullptr);
     EXPECT_EQ(ImageLoader::lastError, 1);
 }
 
-TEST_F(ImageLoaderGL, LoadTextureOfMissingFileGivesEmptyTextureAndError2) {
+TEST_F(ImageLoaderTest, LoadTextureOfMissingFileGivesEmptyTextureAndError2) {
     uint32_t before = Texture::usedMemory;
     Texture* t = ImageLoader::loadTexture("/nonexistent/none.png", false);
     ASSERT_NE(t, nullptr);
@@ -119,7 +119,7 @@ TEST_F(ImageLoaderGL, LoadTextureOfMissingFileGivesEmptyTextureAndError2) {
     delete t;
 }
 
-TEST_F(ImageLoaderGL, LoadTextureUploadsPaddedImage) {
+TEST_F(ImageLoaderTest, LoadTextureUploadsPaddedImage) {
     TempFile file(PNG_3X2, sizeof PNG_3X2);
     Texture* t = ImageLoader::loadTexture(file.path.c_str(), false);
     ASSERT_NE(t, nullptr);
@@ -136,7 +136,7 @@ TEST_F(ImageLoaderGL, LoadTextureUploadsPaddedImage) {
     delete t;
 }
 
-TEST_F(ImageLoaderGL, LoadBufTextureOfGarbageGivesEmptyTextureAndError1) {
+TEST_F(ImageLoaderTest, LoadBufTextureOfGarbageGivesEmptyTextureAndError1) {
     const char garbage[] = "\x89PNG but not really";
     Texture* t = ImageLoader::loadBufTexture(garbage, sizeof garbage, false);
     ASSERT_NE(t, nullptr);
@@ -145,7 +145,7 @@ TEST_F(ImageLoaderGL, LoadBufTextureOfGarbageGivesEmptyTextureAndError1) {
     delete t;
 }
 
-TEST_F(ImageLoaderGL, ColorKeyTurnsEveryTopLeftColouredPixelTransparentBlack) {
+TEST_F(ImageLoaderTest, ColorKeyTurnsEveryTopLeftColouredPixelTransparentBlack) {
     std::string path = writeMagentaBmp();
     Surface* s = ImageLoader::load(path.c_str(), true);
     unlink(path.c_str());
@@ -158,7 +158,7 @@ TEST_F(ImageLoaderGL, ColorKeyTurnsEveryTopLeftColouredPixelTransparentBlack) {
     delete s;
 }
 
-TEST_F(ImageLoaderGL, PrepareImageWithoutAlphaMakesEveryPixelOpaque) {
+TEST_F(ImageLoaderTest, PrepareImageWithoutAlphaMakesEveryPixelOpaque) {
     SDL_Surface* image = SDL_CreateRGBSurface(SDL_SWSURFACE, 2, 1, 32, 0xFF, 0xFF00, 0xFF0000, 0xFF000000);
     ((Uint32*)image->pixels)[0] = 0x00332211;
     ((Uint32*)image->pixels)[1] = 0x80665544;
@@ -168,7 +168,7 @@ TEST_F(ImageLoaderGL, PrepareImageWithoutAlphaMakesEveryPixelOpaque) {
     delete s;
 }
 
-TEST_F(ImageLoaderGL, PrepareImageReadsThroughTheSourceFormat) {
+TEST_F(ImageLoaderTest, PrepareImageReadsThroughTheSourceFormat) {
     // Blue in the low byte and no alpha channel: channels move to the engine's layout.
     SDL_Surface* image = SDL_CreateRGBSurface(SDL_SWSURFACE, 1, 1, 32, 0xFF0000, 0xFF00, 0xFF, 0);
     ((Uint32*)image->pixels)[0] = 0x00112233;
@@ -177,7 +177,7 @@ TEST_F(ImageLoaderGL, PrepareImageReadsThroughTheSourceFormat) {
     delete s;
 }
 
-TEST(ImageLoaderWithoutWindow, LoadStillDecodesIntoEngineLayout) {
+TEST(ImageLoader, LoadStillDecodesIntoEngineLayout) {
     TempFile file(PNG_3X2, sizeof PNG_3X2);
     Surface* s = ImageLoader::load(file.path.c_str(), false);
     expectPngPixels(s);

@@ -7,7 +7,7 @@ using orvel::Orvel;
 namespace {
 
 // Input queries read Orvel::events; these tests own one without an event thread.
-class OrvelInput : public ::testing::Test {
+class OrvelInputTest : public ::testing::Test {
 protected:
     void SetUp() override { Orvel::events = new Orvel::GEvent(); }
     void TearDown() override {
@@ -23,7 +23,7 @@ protected:
 
 } // namespace
 
-TEST_F(OrvelInput, NewGEventIsZeroedAndWantsToRun) {
+TEST_F(OrvelInputTest, NewGEventIsZeroedAndWantsToRun) {
     Orvel::GEvent* e = Orvel::events;
     EXPECT_EQ(e->thread, nullptr);
     EXPECT_TRUE(e->running);
@@ -44,7 +44,7 @@ TEST_F(OrvelInput, NewGEventIsZeroedAndWantsToRun) {
     EXPECT_EQ(e->buttonsPrev, 0u);
 }
 
-TEST_F(OrvelInput, UpdateShiftsLiveStateIntoFrameAndFrameIntoPrevious) {
+TEST_F(OrvelInputTest, UpdateShiftsLiveStateIntoFrameAndFrameIntoPrevious) {
     Orvel::GEvent* e = Orvel::events;
     e->keysLive[3] = 0xA5;
     e->mouseLiveX = 12;
@@ -72,7 +72,7 @@ TEST_F(OrvelInput, UpdateShiftsLiveStateIntoFrameAndFrameIntoPrevious) {
     EXPECT_EQ(e->buttonsPrev, 6u);
 }
 
-TEST_F(OrvelInput, KeyEdgesLastOneFrameAndDownLastsWhileHeld) {
+TEST_F(OrvelInputTest, KeyEdgesLastOneFrameAndDownLastsWhileHeld) {
     const int k = 97;
     setLiveKey(k, true);
     Orvel::events->update();
@@ -94,7 +94,7 @@ TEST_F(OrvelInput, KeyEdgesLastOneFrameAndDownLastsWhileHeld) {
     EXPECT_FALSE(Orvel::keyReleased(k));
 }
 
-TEST_F(OrvelInput, PressAndReleaseBetweenTwoUpdatesAreNeverSeen) {
+TEST_F(OrvelInputTest, PressAndReleaseBetweenTwoUpdatesAreNeverSeen) {
     setLiveKey(13, true);
     setLiveKey(13, false);
     Orvel::events->update();
@@ -103,14 +103,14 @@ TEST_F(OrvelInput, PressAndReleaseBetweenTwoUpdatesAreNeverSeen) {
     EXPECT_FALSE(Orvel::keyReleased(13));
 }
 
-TEST_F(OrvelInput, HighestKeySymbolIsAddressable) {
+TEST_F(OrvelInputTest, HighestKeySymbolIsAddressable) {
     setLiveKey(511, true);
     Orvel::events->update();
     EXPECT_TRUE(Orvel::keyDown(511));
     EXPECT_EQ(Orvel::events->keys[15], 0x80000000u);
 }
 
-TEST_F(OrvelInput, KeysOutsideZeroTo511AreNeverDown) {
+TEST_F(OrvelInputTest, KeysOutsideZeroTo511AreNeverDown) {
     for (int i = 0; i < Orvel::GEvent::KEY_WORDS; ++i) Orvel::events->keysLive[i] = 0xFFFFFFFF;
     Orvel::events->update();
     EXPECT_FALSE(Orvel::keyDown(512));
@@ -123,7 +123,7 @@ TEST_F(OrvelInput, KeysOutsideZeroTo511AreNeverDown) {
     EXPECT_FALSE(Orvel::keyReleased(-1));
 }
 
-TEST_F(OrvelInput, ButtonEdgesLastOneFrame) {
+TEST_F(OrvelInputTest, ButtonEdgesLastOneFrame) {
     Orvel::events->buttonsLive = 1u << 3;
     Orvel::events->update();
     EXPECT_TRUE(Orvel::mousePressed(3));
@@ -138,7 +138,7 @@ TEST_F(OrvelInput, ButtonEdgesLastOneFrame) {
     EXPECT_FALSE(Orvel::mouseDown(3));
 }
 
-TEST_F(OrvelInput, ButtonsOutsideZeroTo31AreNeverDown) {
+TEST_F(OrvelInputTest, ButtonsOutsideZeroTo31AreNeverDown) {
     Orvel::events->buttonsLive = 0xFFFFFFFF;
     Orvel::events->update();
     EXPECT_TRUE(Orvel::mouseDown(31));
@@ -151,7 +151,7 @@ TEST_F(OrvelInput, ButtonsOutsideZeroTo31AreNeverDown) {
     EXPECT_FALSE(Orvel::mouseReleased(-1));
 }
 
-TEST_F(OrvelInput, MousePositionIsTheFrameSnapshot) {
+TEST_F(OrvelInputTest, MousePositionIsTheFrameSnapshot) {
     Orvel::events->mouseLiveX = 640;
     Orvel::events->mouseLiveY = 360;
     EXPECT_EQ(Orvel::mouseX(), 0);
@@ -160,7 +160,7 @@ TEST_F(OrvelInput, MousePositionIsTheFrameSnapshot) {
     EXPECT_EQ(Orvel::mouseY(), 360);
 }
 
-TEST(OrvelClock, SixteenMillisecondFrameGivesSyncAndTruncatedFixedPoint) {
+TEST(Orvel, SixteenMillisecondFrameGivesSyncAndTruncatedFixedPoint) {
     Orvel::setFrameTime(1000, 1016);
     EXPECT_EQ(Orvel::sync, 0.001f * 16.0f);
     EXPECT_FLOAT_EQ(Orvel::sync, 0.016f);
@@ -169,19 +169,19 @@ TEST(OrvelClock, SixteenMillisecondFrameGivesSyncAndTruncatedFixedPoint) {
     EXPECT_EQ(Orvel::lastTime, 1000u);
 }
 
-TEST(OrvelClock, OneMillisecondFrameGives65InFixedPoint) {
+TEST(Orvel, OneMillisecondFrameGives65InFixedPoint) {
     Orvel::setFrameTime(7, 8);
     EXPECT_EQ(Orvel::sync, 0.001f);
     EXPECT_EQ(Orvel::sync16, 65); // 65.536 truncated
 }
 
-TEST(OrvelClock, ZeroLengthFrameGivesZero) {
+TEST(Orvel, ZeroLengthFrameGivesZero) {
     Orvel::setFrameTime(500, 500);
     EXPECT_EQ(Orvel::sync, 0.0f);
     EXPECT_EQ(Orvel::sync16, 0);
 }
 
-TEST(OrvelClock, TickCounterWrapMeasuresUnsignedDifference) {
+TEST(Orvel, TickCounterWrapMeasuresUnsignedDifference) {
     Orvel::setFrameTime(0xFFFFFFF0u, 0x00000010u);
     EXPECT_EQ(Orvel::sync, 0.001f * 32.0f);
     EXPECT_EQ(Orvel::sync16, 2097); // 32 * 65.536 = 2097.152

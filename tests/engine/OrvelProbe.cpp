@@ -7,7 +7,7 @@
 #include <SDL/SDL.h>
 
 #include "engine/Orvel.h"
-#include "tests/engine/XDriver.h"
+#include "tests/support/XDriver.h"
 
 using orvel::Orvel;
 

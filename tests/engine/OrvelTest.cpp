@@ -14,7 +14,7 @@
 #include <SDL/SDL.h>
 #include <GL/gl.h>
 
-#include "tests/engine/XDriver.h"
+#include "tests/support/XDriver.h"
 
 using orvel::Orvel;
 
@@ -60,9 +60,8 @@ void __wrap_SDL_Quit(void) {
 
 namespace {
 
-const int KEY_A = 97; // SDLK_a
 
-class OrvelWindow : public ::testing::Test {
+class OrvelWindowTest : public ::testing::Test {
 protected:
     void SetUp() override {
         g_scriptedTicks.clear();
@@ -103,7 +102,7 @@ ProcessResult runCommand(const std::string& command) {
 
 } // namespace
 
-TEST_F(OrvelWindow, InitWithoutSizeOrTitleOpens640By480CaptionedDemo) {
+TEST_F(OrvelWindowTest, InitWithoutSizeOrTitleOpens640By480CaptionedDemo) {
     Orvel::init(0, -5, nullptr, false, true);
     ASSERT_NE(Orvel::window, nullptr);
     EXPECT_EQ(Orvel::getScreenWidth(), 640);
@@ -114,7 +113,7 @@ TEST_F(OrvelWindow, InitWithoutSizeOrTitleOpens640By480CaptionedDemo) {
     EXPECT_EQ(xdriver::windowName(xdriver::sdlWindow()), "Demo");
 }
 
-TEST_F(OrvelWindow, InitOpensGlWindowWithCaptionAndStartsEventThread) {
+TEST_F(OrvelWindowTest, InitOpensGlWindowWithCaptionAndStartsEventThread) {
     Orvel::init(800, 600, "Nightvector - test", false, true);
     ASSERT_NE(Orvel::window, nullptr);
     EXPECT_TRUE(Orvel::window->flags & SDL_OPENGL);
@@ -132,31 +131,31 @@ TEST_F(OrvelWindow, InitOpensGlWindowWithCaptionAndStartsEventThread) {
     EXPECT_EQ(hint, GL_NICEST);
 }
 
-TEST_F(OrvelWindow, KeyThroughXIsPressedForOneUpdateDownWhileHeldReleasedForOne) {
+TEST_F(OrvelWindowTest, KeyThroughXIsPressedForOneUpdateDownWhileHeldReleasedForOne) {
     openWindow();
     Orvel::update();
     ASSERT_TRUE(xdriver::xdotool("keydown a"));
-    ASSERT_TRUE(xdriver::waitFor([] { return liveKey(KEY_A); }));
+    ASSERT_TRUE(xdriver::waitFor([] { return liveKey(SDLK_a); }));
     Orvel::update();
-    EXPECT_TRUE(Orvel::keyPressed(KEY_A));
-    EXPECT_TRUE(Orvel::keyDown(KEY_A));
-    EXPECT_FALSE(Orvel::keyReleased(KEY_A));
+    EXPECT_TRUE(Orvel::keyPressed(SDLK_a));
+    EXPECT_TRUE(Orvel::keyDown(SDLK_a));
+    EXPECT_FALSE(Orvel::keyReleased(SDLK_a));
     Orvel::update();
-    EXPECT_FALSE(Orvel::keyPressed(KEY_A));
-    EXPECT_TRUE(Orvel::keyDown(KEY_A));
+    EXPECT_FALSE(Orvel::keyPressed(SDLK_a));
+    EXPECT_TRUE(Orvel::keyDown(SDLK_a));
     Orvel::update();
-    EXPECT_TRUE(Orvel::keyDown(KEY_A));
+    EXPECT_TRUE(Orvel::keyDown(SDLK_a));
 
     ASSERT_TRUE(xdriver::xdotool("keyup a"));
-    ASSERT_TRUE(xdriver::waitFor([] { return !liveKey(KEY_A); }));
+    ASSERT_TRUE(xdriver::waitFor([] { return !liveKey(SDLK_a); }));
     Orvel::update();
-    EXPECT_TRUE(Orvel::keyReleased(KEY_A));
-    EXPECT_FALSE(Orvel::keyDown(KEY_A));
+    EXPECT_TRUE(Orvel::keyReleased(SDLK_a));
+    EXPECT_FALSE(Orvel::keyDown(SDLK_a));
     Orvel::update();
-    EXPECT_FALSE(Orvel::keyReleased(KEY_A));
+    EXPECT_FALSE(Orvel::keyReleased(SDLK_a));
 }
 
-TEST_F(OrvelWindow, MouseButtonThroughXIsPressedForOneUpdateAndReleasedForOne) {
+TEST_F(OrvelWindowTest, MouseButtonThroughXIsPressedForOneUpdateAndReleasedForOne) {
     openWindow();
     Orvel::update();
     ASSERT_TRUE(xdriver::xdotool("mousedown 3"));
@@ -178,7 +177,7 @@ TEST_F(OrvelWindow, MouseButtonThroughXIsPressedForOneUpdateAndReleasedForOne) {
     EXPECT_FALSE(Orvel::mouseReleased(3));
 }
 
-TEST_F(OrvelWindow, PointerMotionThroughXReachesTheNextFrame) {
+TEST_F(OrvelWindowTest, PointerMotionThroughXReachesTheNextFrame) {
     openWindow();
     Orvel::update();
     ASSERT_TRUE(xdriver::xdotool("mousemove --window " + std::to_string(xdriver::sdlWindow()) + " 123 45"));
@@ -191,7 +190,7 @@ TEST_F(OrvelWindow, PointerMotionThroughXReachesTheNextFrame) {
     EXPECT_EQ(Orvel::events->mousePrevY, 10);
 }
 
-TEST_F(OrvelWindow, ButtonNumbersWrapIntoThe32BitSet) {
+TEST_F(OrvelWindowTest, ButtonNumbersWrapIntoThe32BitSet) {
     openWindow();
     SDL_Event event;
     memset(&event, 0, sizeof event);
@@ -204,7 +203,7 @@ TEST_F(OrvelWindow, ButtonNumbersWrapIntoThe32BitSet) {
     ASSERT_TRUE(xdriver::waitFor([] { return Orvel::events->buttonsLive == 0; }));
 }
 
-TEST_F(OrvelWindow, UpdateOfSameMillisecondWaitsOneMillisecondAndReadsClockAgain) {
+TEST_F(OrvelWindowTest, UpdateOfSameMillisecondWaitsOneMillisecondAndReadsClockAgain) {
     openWindow();
     g_scriptedTicks = {5000};
     Orvel::update();
@@ -218,7 +217,7 @@ TEST_F(OrvelWindow, UpdateOfSameMillisecondWaitsOneMillisecondAndReadsClockAgain
     EXPECT_EQ(Orvel::sync16, 65);
 }
 
-TEST_F(OrvelWindow, ClockStandingStillThroughTheWaitGivesZeroFrame) {
+TEST_F(OrvelWindowTest, ClockStandingStillThroughTheWaitGivesZeroFrame) {
     openWindow();
     g_scriptedTicks = {7000};
     Orvel::update();
@@ -229,7 +228,7 @@ TEST_F(OrvelWindow, ClockStandingStillThroughTheWaitGivesZeroFrame) {
     EXPECT_EQ(Orvel::sync16, 0);
 }
 
-TEST_F(OrvelWindow, SixteenMillisecondUpdateGivesSync16Of1048AndCountsTheFrame) {
+TEST_F(OrvelWindowTest, SixteenMillisecondUpdateGivesSync16Of1048AndCountsTheFrame) {
     openWindow();
     g_scriptedTicks = {9000};
     Orvel::update();
@@ -247,7 +246,7 @@ TEST_F(OrvelWindow, SixteenMillisecondUpdateGivesSync16Of1048AndCountsTheFrame) 
     EXPECT_EQ(Orvel::framenum, frames + 1);
 }
 
-TEST_F(OrvelWindow, QuitAfterFullScreenInitLeavesFullScreenBeforeShuttingSdlDown) {
+TEST_F(OrvelWindowTest, QuitAfterFullScreenInitLeavesFullScreenBeforeShuttingSdlDown) {
     Orvel::init(640, 480, "Full", true, true);
     ASSERT_NE(Orvel::window, nullptr);
     EXPECT_TRUE(Orvel::fullscreen);
@@ -256,14 +255,14 @@ TEST_F(OrvelWindow, QuitAfterFullScreenInitLeavesFullScreenBeforeShuttingSdlDown
     EXPECT_EQ(g_calls, (std::vector<std::string>{"SDL_WM_ToggleFullScreen:window", "SDL_Quit"}));
 }
 
-TEST_F(OrvelWindow, QuitAfterWindowedInitDoesNotToggle) {
+TEST_F(OrvelWindowTest, QuitAfterWindowedInitDoesNotToggle) {
     Orvel::init(640, 480, "Windowed", false, true);
     g_recording = true;
     Orvel::quit();
     EXPECT_EQ(g_calls, std::vector<std::string>{"SDL_Quit"});
 }
 
-TEST_F(OrvelWindow, QuitResetsStateButKeepsFullScreenFlagAndFrameCount) {
+TEST_F(OrvelWindowTest, QuitResetsStateButKeepsFullScreenFlagAndFrameCount) {
     Orvel::init(640, 480, "Reset", false, true);
     Orvel::update();
     Orvel::update();
@@ -287,7 +286,7 @@ TEST_F(OrvelWindow, QuitResetsStateButKeepsFullScreenFlagAndFrameCount) {
     EXPECT_EQ(SDL_WasInit(SDL_INIT_VIDEO), 0u);
 }
 
-TEST_F(OrvelWindow, InitAgainAfterQuitOpensFreshWindowAndInput) {
+TEST_F(OrvelWindowTest, InitAgainAfterQuitOpensFreshWindowAndInput) {
     Orvel::init(640, 480, "First", false, true);
     Orvel::quit();
     openWindow();
@@ -295,13 +294,13 @@ TEST_F(OrvelWindow, InitAgainAfterQuitOpensFreshWindowAndInput) {
     ASSERT_NE(Orvel::events, nullptr);
     EXPECT_NE(Orvel::events->thread, nullptr);
     ASSERT_TRUE(xdriver::xdotool("keydown a"));
-    ASSERT_TRUE(xdriver::waitFor([] { return liveKey(KEY_A); }));
+    ASSERT_TRUE(xdriver::waitFor([] { return liveKey(SDLK_a); }));
     Orvel::update();
-    EXPECT_TRUE(Orvel::keyPressed(KEY_A));
+    EXPECT_TRUE(Orvel::keyPressed(SDLK_a));
     ASSERT_TRUE(xdriver::xdotool("keyup a"));
 }
 
-TEST_F(OrvelWindow, CloseRequestWithoutAutoExitOnlySetsTheFlag) {
+TEST_F(OrvelWindowTest, CloseRequestWithoutAutoExitOnlySetsTheFlag) {
     openWindow();
     Orvel::setAutoExit(false);
     xdriver::requestClose(xdriver::sdlWindow());
@@ -311,7 +310,7 @@ TEST_F(OrvelWindow, CloseRequestWithoutAutoExitOnlySetsTheFlag) {
     EXPECT_NE(Orvel::window, nullptr);
 }
 
-TEST_F(OrvelWindow, FillScreenCoversTheViewportWithWhite) {
+TEST_F(OrvelWindowTest, FillScreenCoversTheViewportWithWhite) {
     Orvel::init(64, 48, "Fill", false, false);
     glViewport(0, 0, 64, 48);
     glDisable(GL_TEXTURE_2D);
@@ -340,7 +339,7 @@ TEST_F(OrvelWindow, FillScreenCoversTheViewportWithWhite) {
     EXPECT_TRUE(glIsEnabled(GL_COLOR_ARRAY));
 }
 
-TEST(OrvelEventThread, StoppedGEventCannotStartUsefully) {
+TEST(Orvel, StoppedGEventCannotStartUsefully) {
     Orvel::GEvent events;
     events.start();
     ASSERT_NE(events.thread, nullptr);
@@ -354,7 +353,7 @@ TEST(OrvelEventThread, StoppedGEventCannotStartUsefully) {
     EXPECT_EQ(events.thread, nullptr);
 }
 
-TEST(OrvelProcess, ClosingTheWindowEndsTheProgramInsideUpdateWithStatusZero) {
+TEST(Orvel, ClosingTheWindowEndsTheProgramInsideUpdateWithStatusZero) {
     FILE* probe = popen(ORVEL_PROBE, "r");
     ASSERT_NE(probe, nullptr);
     unsigned long window = 0;
@@ -366,7 +365,7 @@ TEST(OrvelProcess, ClosingTheWindowEndsTheProgramInsideUpdateWithStatusZero) {
     EXPECT_EQ(WEXITSTATUS(status), 0);
 }
 
-TEST(OrvelProcess, InitWithoutDisplayReportsSdlErrorAndExitsWithStatusOne) {
+TEST(Orvel, InitWithoutDisplayReportsSdlErrorAndExitsWithStatusOne) {
     ProcessResult result = runCommand(std::string("env -u DISPLAY SDL_VIDEODRIVER=x11 ") + ORVEL_PROBE + " 2>&1");
     EXPECT_EQ(result.status, 1);
     const std::string prefix = "Error initializing SDL: ";

@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/AllocationCounter.h"
+#include "tests/support/AllocationCounter.h"
 
 using orvel::Recycled;
 using orvel::Recycler;

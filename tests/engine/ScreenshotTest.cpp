@@ -6,7 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "tests/GLFixture.h"
+#include "tests/support/GLFixture.h"
 
 using orvel::Orvel;
 using orvel::Screenshot;
@@ -78,16 +78,16 @@ INSTANTIATE_TEST_SUITE_P(ScreenSizes, ScreenshotTest,
                          ::testing::Values(std::make_pair(1280, 720), std::make_pair(640, 480)));
 
 // Tests run on a real GL context.
-class ScreenshotGL : public GLTest {};
+class ScreenshotWindowTest : public GLTest {};
 
-TEST_F(ScreenshotGL, ToAMissingFolderWritesNothingAndSaysWhy) {
+TEST_F(ScreenshotWindowTest, ToAMissingFolderWritesNothingAndSaysWhy) {
     Orvel::update();
     std::string errors = errorsOf([] { Screenshot::saveScreenshot("/nonexistent/dir/shot.bmp"); });
     EXPECT_EQ(errors, "Could not write /nonexistent/dir/shot.bmp: No such file or directory\n");
     EXPECT_NE(access("/nonexistent/dir/shot.bmp", F_OK), 0);
 }
 
-TEST_F(ScreenshotGL, ToAFullDeviceSaysNoSpaceIsLeftAndKeepsTheLink) {
+TEST_F(ScreenshotWindowTest, ToAFullDeviceSaysNoSpaceIsLeftAndKeepsTheLink) {
     Orvel::update();
     char dir[] = "/tmp/screenshot_full_XXXXXX";
     ASSERT_NE(mkdtemp(dir), nullptr);
@@ -102,7 +102,7 @@ TEST_F(ScreenshotGL, ToAFullDeviceSaysNoSpaceIsLeftAndKeepsTheLink) {
     rmdir(dir);
 }
 
-TEST_F(ScreenshotGL, SuccessSaysNothingEvenAfterAnEarlierSdlError) {
+TEST_F(ScreenshotWindowTest, SuccessSaysNothingEvenAfterAnEarlierSdlError) {
     Orvel::update();
     SDL_SetError("an error left over from elsewhere");
     std::string path = "/tmp/screenshot_quiet_" + std::to_string(getpid()) + ".bmp";

@@ -11,7 +11,7 @@
 #include "engine/Matrix.h"
 #include "engine/ShaderProgram.h"
 #include "engine/Vector.h"
-#include "tests/GLFixture.h"
+#include "tests/support/GLFixture.h"
 
 using orvel::GfxUtil;
 using orvel::mat2;
@@ -22,13 +22,9 @@ using orvel::vec2;
 using orvel::vec3;
 using orvel::vec4;
 using testing_support::GLTest;
+using testing_support::rgba;
 
 namespace {
-
-// Packed colour as glReadPixels gives it: red in the low byte.
-constexpr uint32_t rgba(uint32_t r, uint32_t g, uint32_t b, uint32_t a) {
-    return r | g << 8 | b << 16 | a << 24;
-}
 
 // The pass-through stages, as the program must create them.
 const char* DEFAULT_VS = "void main() { gl_TexCoord[0] = gl_MultiTexCoord0; gl_FrontColor = gl_Color; "

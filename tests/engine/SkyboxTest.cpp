@@ -11,8 +11,8 @@
 #include "engine/Surface.h"
 #include "engine/Texture.h"
 #include "engine/Vector.h"
-#include "tests/AllocationCounter.h"
-#include "tests/GLFixture.h"
+#include "tests/support/AllocationCounter.h"
+#include "tests/support/GLFixture.h"
 
 using orvel::Camera;
 using orvel::Color;
@@ -340,7 +340,7 @@ int colourDistance(uint32_t a, uint32_t b) {
 }
 
 // A larger square window, to see more of the art at each edge.
-class SkyArt : public SkyboxTest {
+class SkyboxArtTest : public SkyboxTest {
 protected:
     static const int ART_SIZE = 512;
 
@@ -354,7 +354,7 @@ protected:
 
 } // namespace
 
-TEST_F(SkyArt, CommittedFacesShowNoSeamAcrossAnyCubeEdge) {
+TEST_F(SkyboxArtTest, CommittedFacesShowNoSeamAcrossAnyCubeEdge) {
     const char* names[6] = {"top", "bottom", "left", "right", "front", "back"};
     std::unique_ptr<Texture> faces[6];
     for (int i = 0; i < 6; ++i) {

@@ -1,12 +1,21 @@
 #include "engine/Stack.h"
 
+#include <vector>
+
 #include <gtest/gtest.h>
 
-#include "tests/AllocationCounter.h"
+#include "tests/support/AllocationCounter.h"
 
 using orvel::Stack;
 using testing_support::allocationCount;
 using testing_support::lastAllocationSize;
+
+namespace {
+
+// The stack's elements in order, as many as it counts.
+std::vector<int> elements(const Stack<int>& s) { return std::vector<int>(s.data, s.data + s.count); }
+
+} // namespace
 
 TEST(Stack, NewStackHoldsCapacityPlusOneZeroedElements) {
     std::size_t before = allocationCount();
@@ -106,37 +115,26 @@ TEST(Stack, RemoveAtMovesTheLastElementIntoTheSlot) {
     Stack<int> s(8);
     for (int v : {10, 20, 30, 40}) s.push(v);
     s.removeAt(1);
-    ASSERT_EQ(s.count, 3u);
-    EXPECT_EQ(s.data[0], 10);
-    EXPECT_EQ(s.data[1], 40);
-    EXPECT_EQ(s.data[2], 30);
+    EXPECT_EQ(elements(s), (std::vector<int>{10, 40, 30}));
 }
 
 TEST(Stack, RemoveAtTheLastSlotShortensTheStack) {
     Stack<int> s(8);
     for (int v : {10, 20, 30}) s.push(v);
     s.removeAt(2);
-    ASSERT_EQ(s.count, 2u);
-    EXPECT_EQ(s.data[0], 10);
-    EXPECT_EQ(s.data[1], 20);
+    EXPECT_EQ(elements(s), (std::vector<int>{10, 20}));
 }
 
 TEST(Stack, RemoveTakesOnlyTheFirstEqualElement) {
     Stack<int> s(8);
     for (int v : {5, 7, 5, 9}) s.push(v);
     EXPECT_TRUE(s.remove(5));
-    ASSERT_EQ(s.count, 3u);
-    EXPECT_EQ(s.data[0], 9);
-    EXPECT_EQ(s.data[1], 7);
-    EXPECT_EQ(s.data[2], 5);
+    EXPECT_EQ(elements(s), (std::vector<int>{9, 7, 5}));
 }
 
 TEST(Stack, RemoveOfAMissingValueChangesNothing) {
     Stack<int> s(8);
     for (int v : {1, 2, 3}) s.push(v);
     EXPECT_FALSE(s.remove(4));
-    ASSERT_EQ(s.count, 3u);
-    EXPECT_EQ(s.data[0], 1);
-    EXPECT_EQ(s.data[1], 2);
-    EXPECT_EQ(s.data[2], 3);
+    EXPECT_EQ(elements(s), (std::vector<int>{1, 2, 3}));
 }

@@ -4,7 +4,7 @@
 
 #include "engine/Color.h"
 #include "engine/Surface.h"
-#include "tests/GLFixture.h"
+#include "tests/support/GLFixture.h"
 
 using orvel::Color;
 using orvel::Surface;

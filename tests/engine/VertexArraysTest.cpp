@@ -3,7 +3,7 @@
 #include <cstdint>
 
 #include "engine/GL.h"
-#include "tests/GLFixture.h"
+#include "tests/support/GLFixture.h"
 
 using orvel::VertexArrays;
 using testing_support::GLTest;

@@ -1,18 +1,20 @@
 // A stretch of real play: the session's waves, the ship aiming at the nearest enemy with both
 // weapons held, enemies firing back, drawing every few frames.
 
+#include <SDL/SDL_keysym.h>
+
 #include "game/Player.h"
 #include "game/ScoreCounter.h"
-#include "tests/game/CombatFixture.h"
+#include "tests/support/GameSession.h"
 
-using namespace combat_testing;
+using namespace testing_support;
 using orvel::vec2;
 
 namespace {
 
-class CombatPlay : public CombatTest {
+class CombatPlayTest : public SessionTest {
 protected:
-    CombatPlay() { reloadResources = true; }
+    CombatPlayTest() { reloadResources = true; }
 };
 
 // The enemy nearest to `p` without wrap, or null.
@@ -32,7 +34,7 @@ Enemy* nearestEnemy(const vec2& p) {
 
 } // namespace
 
-TEST_F(CombatPlay, ShipFightsTheFirstWaves) {
+TEST_F(CombatPlayTest, ShipFightsTheFirstWaves) {
     g_world->debugDraw = false;
     g_game->init();
     Player* player = g_game->player;
@@ -50,7 +52,7 @@ TEST_F(CombatPlay, ShipFightsTheFirstWaves) {
             }
         }
         enemiesSeen = std::max(enemiesSeen, (int)g_game->enemies.count);
-        setInput(LEFT_BUTTON | RIGHT_BUTTON, mx, my, frame % 120 < 60 ? KEY_W : KEY_S, KEY_D);
+        setInput(LEFT_BUTTON | RIGHT_BUTTON, mx, my, frame % 120 < 60 ? SDLK_w : SDLK_s, SDLK_d);
         g_game->update();
         if (frame % 10 == 0) g_world->draw();
         ASSERT_GE(player->energy, 0.0f);

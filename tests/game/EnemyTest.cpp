@@ -14,10 +14,10 @@
 #include "scene/ParticleSlice.h"
 #include "scene/Sprite.h"
 #include "scene/Text.h"
-#include "tests/AllocationCounter.h"
-#include "tests/game/SessionFixture.h"
+#include "tests/support/AllocationCounter.h"
+#include "tests/support/GameSession.h"
 
-using namespace session_testing;
+using namespace testing_support;
 using orvel::vec2;
 
 namespace {
@@ -26,10 +26,7 @@ class EnemyTest : public SessionTest {
 protected:
     // A fighter listed as nextWave lists it, already faded in, at rest at `at`.
     static Fighter* fighterAt(vec2 at) {
-        Fighter* f = new Fighter();
-        g_game->enemies.push(f);
-        g_game->actors.push(f);
-        g_world->add(f->drawable);
+        Fighter* f = listInWorld(new Fighter());
         f->fadeEnd = 0.0f;
         f->position = at;
         f->target = at;
@@ -72,7 +69,7 @@ public:
 TEST_F(EnemyTest, FirstSpotFarFromEveryFriendIsKept) {
     g_rand.init(42);
     orvel::Random r(42);
-    Fighter* f = new Fighter();
+    Fighter* f = keep(new Fighter());
     const float x = r.randf(0.0f, WORLD);
     const float y = r.randf(0.0f, WORLD);
     const float tx = r.randf(0.0f, WORLD);
@@ -90,7 +87,7 @@ TEST_F(EnemyTest, OneSpotNearAFriendMakesAllFiveAttemptsAndTheLastStands) {
     for (float& d : draws) d = r.randf(0.0f, WORLD);
     friendAt(vec2(draws[0], draws[1]));
     g_rand.init(42);
-    Fighter* f = new Fighter();
+    Fighter* f = keep(new Fighter());
     EXPECT_EQ(f->position.x, draws[8]);
     EXPECT_EQ(f->position.y, draws[9]);
     EXPECT_EQ(f->target.x, draws[10]);
@@ -98,7 +95,7 @@ TEST_F(EnemyTest, OneSpotNearAFriendMakesAllFiveAttemptsAndTheLastStands) {
 }
 
 TEST_F(EnemyTest, SpawnStartsAFadeFromInvisibleAndPutsTheWeaponInTheWorld) {
-    Fighter* f = new Fighter();
+    Fighter* f = keep(new Fighter());
     EXPECT_EQ(f->fadeStart, (float)START);
     EXPECT_EQ(f->fadeEnd, (float)START + 750.0f);
     EXPECT_EQ(f->drawable->blendColor.a, 0);
@@ -111,7 +108,7 @@ TEST_F(EnemyTest, SpawnStartsAFadeFromInvisibleAndPutsTheWeaponInTheWorld) {
 }
 
 TEST_F(EnemyTest, HalfwayThroughTheFadeAlphaIs127AndScaleOneHalf) {
-    Fighter* f = new Fighter();
+    Fighter* f = keep(new Fighter());
     setTime(START + 375);
     f->update();
     EXPECT_EQ(f->drawable->blendColor.a, 127);
@@ -120,7 +117,7 @@ TEST_F(EnemyTest, HalfwayThroughTheFadeAlphaIs127AndScaleOneHalf) {
 }
 
 TEST_F(EnemyTest, AfterTheFadeTheLastFadeFrameScaleStaysForLife) {
-    Fighter* f = new Fighter();
+    Fighter* f = keep(new Fighter());
     // 16 ms frames: the last one inside the fade is at 736 ms, t = 736 / 750.
     for (uint32_t ms = 16; ms <= 752; ms += 16) {
         setTime(START + ms);
@@ -288,8 +285,8 @@ TEST_F(EnemyTest, EnemyDestroyedDuringTheActorLoopIsReplacedByTheLastActor) {
 }
 
 TEST_F(EnemyTest, Probe2ShowsTheProbeArtAt96InsteadOf82) {
-    Probe* probe = new Probe();
-    Probe2* probe2 = new Probe2();
+    Probe* probe = keep(new Probe());
+    Probe2* probe2 = keep(new Probe2());
     EXPECT_EQ(probe->sprite->texture, Resources::enemy_probe_tex);
     EXPECT_EQ(probe->sprite->size.x, 82.0f);
     EXPECT_EQ(probe2->sprite->texture, Resources::enemy_probe_tex);
@@ -311,13 +308,13 @@ TEST_F(EnemyTest, EveryTypeCarriesItsArtSizeAndNumbers) {
         int score;
     };
     const Row rows[] = {
-        {new Fighter(), Resources::enemy_fighter_tex, Resources::enemy_fighter_glow_tex, 96, 32, 160, 0.4f, 60, 100},
-        {new Fighter2(), Resources::enemy_fighter2_tex, Resources::enemy_fighter2_glow_tex, 136, 50, 120, 0.55f, 130, 250},
-        {new Hammerhead(), Resources::enemy_hammerhead_tex, Resources::enemy_hammerhead_glow_tex, 136, 50, 95, 0.7f, 190, 700},
-        {new Probe(), Resources::enemy_probe_tex, Resources::enemy_probe_glow_tex, 82, 32, 195, 0.1f, 30, 200},
-        {new Probe2(), Resources::enemy_probe_tex, Resources::enemy_probe_glow_tex, 96, 42, 235, 0.15f, 50, 350},
-        {new Hammerhead2(), Resources::enemy_hammerhead2_tex, Resources::enemy_hammerhead2_glow_tex, 172, 80, 65, 0.9f, 330, 1500},
-        {new Probe3(), Resources::enemy_probe3_tex, Resources::enemy_probe3_glow_tex, 116, 42, 265, 0.2f, 70, 450},
+        {keep(new Fighter()), Resources::enemy_fighter_tex, Resources::enemy_fighter_glow_tex, 96, 32, 160, 0.4f, 60, 100},
+        {keep(new Fighter2()), Resources::enemy_fighter2_tex, Resources::enemy_fighter2_glow_tex, 136, 50, 120, 0.55f, 130, 250},
+        {keep(new Hammerhead()), Resources::enemy_hammerhead_tex, Resources::enemy_hammerhead_glow_tex, 136, 50, 95, 0.7f, 190, 700},
+        {keep(new Probe()), Resources::enemy_probe_tex, Resources::enemy_probe_glow_tex, 82, 32, 195, 0.1f, 30, 200},
+        {keep(new Probe2()), Resources::enemy_probe_tex, Resources::enemy_probe_glow_tex, 96, 42, 235, 0.15f, 50, 350},
+        {keep(new Hammerhead2()), Resources::enemy_hammerhead2_tex, Resources::enemy_hammerhead2_glow_tex, 172, 80, 65, 0.9f, 330, 1500},
+        {keep(new Probe3()), Resources::enemy_probe3_tex, Resources::enemy_probe3_glow_tex, 116, 42, 265, 0.2f, 70, 450},
     };
     for (const Row& r : rows) {
         SCOPED_TRACE(r.size);

@@ -6,8 +6,8 @@
 #include <cmath>
 
 #include "game/HUDWeaponBox.h"
-#include "tests/AllocationCounter.h"
-#include "tests/game/HudFixture.h"
+#include "tests/support/AllocationCounter.h"
+#include "tests/support/GameSession.h"
 
 using testing_support::HudScene;
 
@@ -26,21 +26,16 @@ protected:
 
     void SetUp() override {
         HudScene::SetUp();
-        box = new HUD_WeaponBox();
+        box = keep(new HUD_WeaponBox());
         box->position = orvel::vec3(100, 670, 0);
         g_hud->add(box);
-        gauges = new EnergyGauges();
+        gauges = keep(new EnergyGauges());
         gauges->followsGame = false;
         gauges->maxEnergy = 350;
         gauges->maxHull = 100;
         drawHud();
         base = readScreen();
         box->add(gauges);
-    }
-    void TearDown() override {
-        delete gauges;
-        delete box;
-        HudScene::TearDown();
     }
 
     // Pixels around a ring's centre that differ from the box drawn without gauges; the

@@ -20,9 +20,9 @@
 #include "scene/ParticleSlice.h"
 #include "scene/ParticleSystem.h"
 #include "scene/Text.h"
-#include "tests/game/SessionFixture.h"
+#include "tests/support/GameSession.h"
 
-using namespace session_testing;
+using namespace testing_support;
 using orvel::vec2;
 
 namespace {
@@ -32,10 +32,7 @@ const double PI = 3.14159265358979323846;
 class GameTest : public SessionTest {
 protected:
     static Fighter* fighterAt(vec2 at) {
-        Fighter* f = new Fighter();
-        g_game->enemies.push(f);
-        g_game->actors.push(f);
-        g_world->add(f->drawable);
+        Fighter* f = listInWorld(new Fighter());
         f->position = at;
         return f;
     }
@@ -286,7 +283,7 @@ TEST_F(GameTest, EndDeletesReticleScoreCounterAndPlayer) {
 
 TEST_F(GameTest, LeavingTheIntroStartsARealSessionThatRunsEachFrame) {
     // The intro hand-over builds its own session.
-    g_game = nullptr;
+    deleteSession();
     g_apology = new Apology();
     runlevel = RUNLEVEL_TO_GAME;
     // The fade to black ended long ago.

@@ -3,7 +3,7 @@
 #include "game/HUDRadarBox.h"
 
 #include "scene/Sprite.h"
-#include "tests/game/HudFixture.h"
+#include "tests/support/GameSession.h"
 
 using testing_support::HudScene;
 

@@ -8,7 +8,7 @@
 #include "game/ScoreCounter.h"
 #include "scene/Sprite.h"
 #include "scene/Text.h"
-#include "tests/game/HudFixture.h"
+#include "tests/support/GameSession.h"
 
 using testing_support::HudScene;
 
@@ -33,19 +33,19 @@ TEST_F(HUDScoreBoxTest, HoldsTheScoreFrameAtHalfScaleAndAFreshCounter) {
 }
 
 TEST_F(HUDScoreBoxTest, DeletingTheBoxTakesItsCounterOffTheActorsBySwapWithLast) {
+    // The tear-down deletes the game with a and b.
     g_game = new Game();
-    Actor a, b;
+    Actor* a = new Actor();
+    Actor* b = new Actor();
     HUD_ScoreBox* box = new HUD_ScoreBox();
     g_game->actors.clear();
     g_game->actors.push(box->counter);
-    g_game->actors.push(&a);
-    g_game->actors.push(&b);
+    g_game->actors.push(a);
+    g_game->actors.push(b);
     delete box;
     ASSERT_EQ(g_game->actors.count, 2u);
-    EXPECT_EQ(g_game->actors.data[0], &b);
-    EXPECT_EQ(g_game->actors.data[1], &a);
-    delete g_game;
-    g_game = nullptr;
+    EXPECT_EQ(g_game->actors.data[0], b);
+    EXPECT_EQ(g_game->actors.data[1], a);
 }
 
 TEST_F(HUDScoreBoxTest, DeletingTheBoxWithoutAGameOnlyFreesIt) {

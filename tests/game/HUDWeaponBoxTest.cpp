@@ -7,7 +7,7 @@
 #include "game/ScoreCounter.h"
 #include "scene/Sprite.h"
 #include "scene/Text.h"
-#include "tests/game/HudFixture.h"
+#include "tests/support/GameSession.h"
 
 using testing_support::HudScene;
 
@@ -35,18 +35,17 @@ TEST_F(HUDWeaponBoxTest, HoldsTheDialsFrameAtHalfScaleAndThreeCounters) {
 }
 
 TEST_F(HUDWeaponBoxTest, DeletingTheBoxTakesEachCounterOffTheActorsInTurn) {
+    // The tear-down deletes the game with x.
     g_game = new Game();
-    Actor x;
+    Actor* x = new Actor();
     HUD_WeaponBox* box = new HUD_WeaponBox();
     g_game->actors.clear();
     g_game->actors.push(box->counter1);
-    g_game->actors.push(&x);
+    g_game->actors.push(x);
     g_game->actors.push(box->counter3);
     g_game->actors.push(box->counter2);
     // counter1 out: [counter2, x, counter3]; counter2 out: [counter3, x]; counter3 out: [x].
     delete box;
     ASSERT_EQ(g_game->actors.count, 1u);
-    EXPECT_EQ(g_game->actors.data[0], &x);
-    delete g_game;
-    g_game = nullptr;
+    EXPECT_EQ(g_game->actors.data[0], x);
 }

@@ -2,9 +2,6 @@
 // counter in its box, the reticle under the mouse, the radar and gauges inside their boxes; and
 // a whole frame of play with the starfield behind.
 
-#include <cstdio>
-#include <cstdlib>
-
 #include "engine/Orvel.h"
 #include "game/EnergyGauges.h"
 #include "game/Game.h"
@@ -16,41 +13,20 @@
 #include "game/Reticle.h"
 #include "game/ScoreCounter.h"
 #include "scene/Text.h"
-#include "tests/game/HudFixture.h"
+#include "tests/support/GameSession.h"
 
 using orvel::Orvel;
 using testing_support::HudScene;
 
 namespace {
 
-class HudLayout : public HudScene {
-protected:
-    // Writes the screen as a binary PPM when NIGHTVECTOR_HUD_SHOT names a file: a picture of
-    // the layout for people, not part of any check.
-    static void saveIfAsked(const Pixels& p) {
-        const char* path = std::getenv("NIGHTVECTOR_HUD_SHOT");
-        if (!path) return;
-        FILE* f = std::fopen(path, "wb");
-        if (!f) return;
-        std::fprintf(f, "P6\n%d %d\n255\n", p.width, p.height);
-        for (int y = 0; y < p.height; ++y) {
-            for (int x = 0; x < p.width; ++x) {
-                uint32_t c = p.at(x, y);
-                unsigned char rgb[3] = {red(c), green(c), blue(c)};
-                std::fwrite(rgb, 1, 3, f);
-            }
-        }
-        std::fclose(f);
-    }
-
-    static bool isBlack(uint32_t c) { return (c & 0xffffffu) == 0; }
-};
-
 // The HUD built as the game builds it, without a game.
-class HudBoxes : public HudLayout {
+class HudLayoutTest : public HudScene {
 protected:
+    static bool isBlack(uint32_t c) { return (c & 0xffffffu) == 0; }
+
     void SetUp() override {
-        HudLayout::SetUp();
+        HudScene::SetUp();
         scoreBox = new HUD_ScoreBox();
         scoreBox->setHotSpot(TopLeft);
         scoreBox->position = orvel::vec3(100, 30, 0);
@@ -71,7 +47,7 @@ protected:
         delete radarBox;
         delete weaponBox;
         delete scoreBox;
-        HudLayout::TearDown();
+        HudScene::TearDown();
     }
 
     HUD_ScoreBox* scoreBox = nullptr;
@@ -82,7 +58,7 @@ protected:
 
 } // namespace
 
-TEST_F(HudBoxes, TheBoxesFrameTheirCornersAndTheMiddleStaysClear) {
+TEST_F(HudLayoutTest, TheBoxesFrameTheirCornersAndTheMiddleStaysClear) {
     setMouse(900, 100);
     reticle->update();
     drawHud();
@@ -107,7 +83,7 @@ TEST_F(HudBoxes, TheBoxesFrameTheirCornersAndTheMiddleStaysClear) {
     EXPECT_TRUE(isBlack(p.at(400, 500)));
 }
 
-TEST_F(HudBoxes, TheReticleSitsUnderTheMouse) {
+TEST_F(HudLayoutTest, TheReticleSitsUnderTheMouse) {
     setMouse(640, 360);
     reticle->update();
     drawHud();
@@ -127,7 +103,7 @@ TEST_F(HudBoxes, TheReticleSitsUnderTheMouse) {
     }
 }
 
-TEST_F(HudBoxes, TheScoreCounterRollsInsideTheScoreBox) {
+TEST_F(HudLayoutTest, TheScoreCounterRollsInsideTheScoreBox) {
     setMouse(900, 300);
     reticle->update();
     Orvel::currentTime = 50000;
@@ -156,7 +132,7 @@ TEST_F(HudBoxes, TheScoreCounterRollsInsideTheScoreBox) {
     }
 }
 
-TEST_F(HudBoxes, TheRadarAndGaugesShowInsideTheirBoxes) {
+TEST_F(HudLayoutTest, TheRadarAndGaugesShowInsideTheirBoxes) {
     RadarDisplay* radar = new RadarDisplay();
     radar->followsGame = false;
     radar->centre = orvel::vec2(2000, 2000);
@@ -173,7 +149,7 @@ TEST_F(HudBoxes, TheRadarAndGaugesShowInsideTheirBoxes) {
     reticle->update();
     drawHud();
     Pixels p = readScreen();
-    saveIfAsked(p);
+    savePictureIfAsked(p, "NIGHTVECTOR_HUD_SHOT");
     uint32_t blip = p.at(1208, 592);
     EXPECT_NEAR(red(blip), 255, 1);
     EXPECT_NEAR(green(blip), 70, 1);

@@ -5,9 +5,9 @@
 #include "game/Laser.h"
 #include "scene/ParticleEmitter.h"
 #include "scene/ParticleSlice.h"
-#include "tests/game/CombatFixture.h"
+#include "tests/support/GameSession.h"
 
-using namespace combat_testing;
+using namespace testing_support;
 using orvel::Orvel;
 using orvel::vec2;
 using orvel::vec3;
@@ -15,11 +15,11 @@ using orvel::vec3;
 namespace {
 
 // The default camera sits at (640, 360) with zoom 1, so a mouse pixel is the same world point.
-class LaserBeams : public CombatTest {
+class LaserTest : public SessionTest {
 protected:
     void SetUp() override {
-        CombatTest::SetUp();
-        laser = new Laser();
+        SessionTest::SetUp();
+        laser = keep(new Laser());
         laser->position = vec3(500, 360, 0);
         setInput(0, 1000, 360);
     }
@@ -28,7 +28,7 @@ protected:
 
 } // namespace
 
-TEST_F(LaserBeams, ShootStartsTheBeamUnderTheCursor) {
+TEST_F(LaserTest, ShootStartsTheBeamUnderTheCursor) {
     EXPECT_EQ(laser->shoot(vec2(0, 0)), 8.0f);
     EXPECT_EQ(laser->nextBeam, 1u);
     const Laser::Beam& b = laser->beams[0];
@@ -41,7 +41,7 @@ TEST_F(LaserBeams, ShootStartsTheBeamUnderTheCursor) {
     EXPECT_EQ(b.color.a, 224);
 }
 
-TEST_F(LaserBeams, RingWrapsAfterThirtyTwoBeams) {
+TEST_F(LaserTest, RingWrapsAfterThirtyTwoBeams) {
     laser->rate = -1.0f;
     for (int i = 0; i < 32; ++i) laser->shoot(vec2(0, 0));
     EXPECT_EQ(laser->nextBeam, 0u);
@@ -51,7 +51,7 @@ TEST_F(LaserBeams, RingWrapsAfterThirtyTwoBeams) {
     EXPECT_EQ(laser->nextBeam, 1u);
 }
 
-TEST_F(LaserBeams, UnblockedBeamReaches1280TowardsTheMouse) {
+TEST_F(LaserTest, UnblockedBeamReaches1280TowardsTheMouse) {
     laser->shoot(vec2(0, 0));
     laser->update();
     EXPECT_FLOAT_EQ(laser->beams[0].end.x, 500.0f + 1280.0f);
@@ -59,7 +59,7 @@ TEST_F(LaserBeams, UnblockedBeamReaches1280TowardsTheMouse) {
     EXPECT_EQ(laser->emitters.data[0]->rate, 0u);
 }
 
-TEST_F(LaserBeams, BeamFollowsTheMouseDuringItsLife) {
+TEST_F(LaserTest, BeamFollowsTheMouseDuringItsLife) {
     laser->shoot(vec2(0, 0));
     setTime(START + 100);
     // The mouse moves straight below the muzzle.
@@ -69,7 +69,7 @@ TEST_F(LaserBeams, BeamFollowsTheMouseDuringItsLife) {
     EXPECT_FLOAT_EQ(laser->beams[0].end.y, 360.0f + 1280.0f);
 }
 
-TEST_F(LaserBeams, HalfwayTheBeamHasHalfWidthAndAlpha) {
+TEST_F(LaserTest, HalfwayTheBeamHasHalfWidthAndAlpha) {
     laser->shoot(vec2(0, 0));
     setTime(START + 325);
     laser->update();
@@ -78,10 +78,9 @@ TEST_F(LaserBeams, HalfwayTheBeamHasHalfWidthAndAlpha) {
     EXPECT_EQ(laser->beams[0].color.a, 112);
 }
 
-TEST_F(LaserBeams, DamagePerSecondOfContactScaledByFrameTime) {
+TEST_F(LaserTest, DamagePerSecondOfContactScaledByFrameTime) {
     Orvel::sync = 0.02f;
-    DummyEnemy* e = addEnemy<DummyEnemy>(800, 360, 20);
-    placeInWorld(e);
+    DummyEnemy* e = addDummyInWorld(800, 360, 20);
     laser->shoot(vec2(0, 0));
     setTime(START + 325);
     // The damage draw: (0.75 x (85 - 65) + 65) per second, for 0.02 s.
@@ -104,9 +103,8 @@ TEST_F(LaserBeams, DamagePerSecondOfContactScaledByFrameTime) {
     EXPECT_EQ(laser->slices.data[0]->prev, e->drawable);
 }
 
-TEST_F(LaserBeams, NoDamageOnceTheLifeIsOver) {
-    DummyEnemy* e = addEnemy<DummyEnemy>(800, 360, 20);
-    placeInWorld(e);
+TEST_F(LaserTest, NoDamageOnceTheLifeIsOver) {
+    DummyEnemy* e = addDummyInWorld(800, 360, 20);
     laser->shoot(vec2(0, 0));
     setTime(START + 649);
     laser->update();
@@ -117,9 +115,8 @@ TEST_F(LaserBeams, NoDamageOnceTheLifeIsOver) {
     EXPECT_EQ(laser->emitters.data[0]->rate, 0u);
 }
 
-TEST_F(LaserBeams, EmitterGoesIdleWhenTheBeamLeavesTheEnemy) {
-    DummyEnemy* e = addEnemy<DummyEnemy>(800, 360, 20);
-    placeInWorld(e);
+TEST_F(LaserTest, EmitterGoesIdleWhenTheBeamLeavesTheEnemy) {
+    addDummyInWorld(800, 360, 20);
     laser->shoot(vec2(0, 0));
     laser->update();
     EXPECT_EQ(laser->emitters.data[0]->rate, 300u);

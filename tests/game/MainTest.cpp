@@ -21,17 +21,15 @@
 #include "scene/Fader.h"
 #include "scene/Scene2D.h"
 #include "scene/Text.h"
-#include "tests/GLFixture.h"
+#include "tests/support/GLFixture.h"
 
 using orvel::Orvel;
 using testing_support::GLTest;
 
 namespace {
 
-const int KEY_RETURN = 13, KEY_ESCAPE = 27, KEY_SPACE = 32, KEY_KEYPAD_ENTER = 271, KEY_F1 = 282;
-
 // The program's state right after start-up, built on the test window: scene roots, fader, intro.
-class Runlevels : public GLTest {
+class RunlevelTest : public GLTest {
 protected:
     void SetUp() override {
         openWindow(1280, 720);
@@ -72,9 +70,9 @@ protected:
 
 } // namespace
 
-TEST_F(Runlevels, ReturnAfterTheFaderIsDoneStartsTheFadeToBlack) {
+TEST_F(RunlevelTest, ReturnAfterTheFaderIsDoneStartsTheFadeToBlack) {
     step(100000);
-    step(100016, KEY_RETURN);
+    step(100016, SDLK_RETURN);
     EXPECT_EQ(runlevel, RUNLEVEL_TO_GAME);
     EXPECT_EQ(g_fader->from, 0.0f);
     EXPECT_EQ(g_fader->to, 1.0f);
@@ -84,14 +82,14 @@ TEST_F(Runlevels, ReturnAfterTheFaderIsDoneStartsTheFadeToBlack) {
     EXPECT_EQ(g_fader->color.w, 1.0f);
 }
 
-TEST_F(Runlevels, StartInputWhileAFadeRunsDoesNothing) {
+TEST_F(RunlevelTest, StartInputWhileAFadeRunsDoesNothing) {
     g_fader->fadeIn(500);
-    step(100100, KEY_RETURN);
+    step(100100, SDLK_RETURN);
     EXPECT_EQ(runlevel, RUNLEVEL_INTRO);
     EXPECT_EQ(g_fader->endTime, 100500u);
 }
 
-TEST_F(Runlevels, SpaceKeypadEnterAndEachHeldMouseButtonStartTheGame) {
+TEST_F(RunlevelTest, SpaceKeypadEnterAndEachHeldMouseButtonStartTheGame) {
     uint32_t t = 1000000;
     // Back on the intro with the last fade long finished.
     auto backToIntro = [&t]() {
@@ -100,7 +98,7 @@ TEST_F(Runlevels, SpaceKeypadEnterAndEachHeldMouseButtonStartTheGame) {
         setTime(t - 5000);
         g_fader->fadeIn(0);
     };
-    for (int key : {KEY_SPACE, KEY_KEYPAD_ENTER}) {
+    for (int key : {SDLK_SPACE, SDLK_KP_ENTER}) {
         backToIntro();
         step(t);
         step(t + 16, key);
@@ -116,7 +114,7 @@ TEST_F(Runlevels, SpaceKeypadEnterAndEachHeldMouseButtonStartTheGame) {
     }
 }
 
-TEST_F(Runlevels, OtherButtonsAndKeysDoNotStartTheGame) {
+TEST_F(RunlevelTest, OtherButtonsAndKeysDoNotStartTheGame) {
     setTime(100000);
     frameWithButtons(1u << 4);
     runFrameLogic();
@@ -124,9 +122,9 @@ TEST_F(Runlevels, OtherButtonsAndKeysDoNotStartTheGame) {
     EXPECT_EQ(runlevel, RUNLEVEL_INTRO);
 }
 
-TEST_F(Runlevels, DoneFadeToBlackStartsGameTearsDownIntroAndFadesIn) {
+TEST_F(RunlevelTest, DoneFadeToBlackStartsGameTearsDownIntroAndFadesIn) {
     step(100000);
-    step(100016, KEY_RETURN);
+    step(100016, SDLK_RETURN);
     step(101000);
     EXPECT_EQ(runlevel, RUNLEVEL_TO_GAME);
     EXPECT_NE(g_apology, nullptr);
@@ -142,8 +140,8 @@ TEST_F(Runlevels, DoneFadeToBlackStartsGameTearsDownIntroAndFadesIn) {
     EXPECT_EQ(g_fader->endTime, 101517u);
 }
 
-TEST_F(Runlevels, EscapeFadesOutThenEndsTheLoopWhenTheFadeIsDone) {
-    step(100000, KEY_ESCAPE);
+TEST_F(RunlevelTest, EscapeFadesOutThenEndsTheLoopWhenTheFadeIsDone) {
+    step(100000, SDLK_ESCAPE);
     EXPECT_EQ(runlevel, RUNLEVEL_FADING_OUT);
     EXPECT_EQ(g_fader->endTime, 101000u);
     step(101000);
@@ -152,32 +150,32 @@ TEST_F(Runlevels, EscapeFadesOutThenEndsTheLoopWhenTheFadeIsDone) {
     EXPECT_EQ(runlevel, RUNLEVEL_QUIT);
 }
 
-TEST_F(Runlevels, EscapeDuringTheFadeToBlackIsIgnored) {
-    step(100000, KEY_RETURN);
-    step(100500, KEY_ESCAPE);
+TEST_F(RunlevelTest, EscapeDuringTheFadeToBlackIsIgnored) {
+    step(100000, SDLK_RETURN);
+    step(100500, SDLK_ESCAPE);
     EXPECT_EQ(runlevel, RUNLEVEL_TO_GAME);
     EXPECT_EQ(g_fader->endTime, 101000u);
 }
 
-TEST_F(Runlevels, EscapeDuringTheGameFadesToBlackAndQuits) {
+TEST_F(RunlevelTest, EscapeDuringTheGameFadesToBlackAndQuits) {
     runlevel = RUNLEVEL_GAME;
     g_game = new Game();
-    step(100000, KEY_ESCAPE);
+    step(100000, SDLK_ESCAPE);
     EXPECT_EQ(runlevel, RUNLEVEL_FADING_OUT);
     step(101001);
     EXPECT_EQ(runlevel, RUNLEVEL_QUIT);
 }
 
-TEST_F(Runlevels, F1SavesNumberedScreenshotsInEveryRunlevel) {
+TEST_F(RunlevelTest, F1SavesNumberedScreenshotsInEveryRunlevel) {
     char dir[] = "/tmp/screenshotsXXXXXX";
     ASSERT_NE(mkdtemp(dir), nullptr);
     char cwd[4096];
     ASSERT_NE(getcwd(cwd, sizeof cwd), nullptr);
     ASSERT_EQ(chdir(dir), 0);
-    step(100000, KEY_F1);
+    step(100000, SDLK_F1);
     step(100016);
     g_fader->fadeOut(1000);
-    step(100032, KEY_F1);
+    step(100032, SDLK_F1);
     std::string first = std::string(dir) + "/screenshot_1.bmp", second = std::string(dir) + "/screenshot_2.bmp";
     EXPECT_EQ(access(first.c_str(), F_OK), 0);
     EXPECT_EQ(access(second.c_str(), F_OK), 0);
@@ -186,7 +184,7 @@ TEST_F(Runlevels, F1SavesNumberedScreenshotsInEveryRunlevel) {
     EXPECT_EQ(system((std::string("rm -rf ") + dir).c_str()), 0);
 }
 
-TEST_F(Runlevels, IntroHasThirteenCentredLinesAndTheCreditFromTheCentre) {
+TEST_F(RunlevelTest, IntroHasThirteenCentredLinesAndTheCreditFromTheCentre) {
     ASSERT_EQ(g_apology->lines.count, 13u);
     EXPECT_EQ(g_hud->count, 13);
     // Cells of the medium font are 32 px high; lines are 32 + 9 apart plus the extra gaps.
@@ -211,7 +209,7 @@ namespace {
 
 // A working directory of its own with an sfx/ folder, and the dummy audio driver unless a test
 // names another; audio is closed and the track freed again after each test.
-class LoadMusic : public ::testing::Test {
+class LoadMusicTest : public ::testing::Test {
 protected:
     void SetUp() override {
         char pattern[] = "/tmp/nightvector-music-XXXXXX";
@@ -247,24 +245,24 @@ protected:
 
 } // namespace
 
-TEST_F(LoadMusic, TheRepositoryTrackLoadsWithoutAWord) {
+TEST_F(LoadMusicTest, TheRepositoryTrackLoadsWithoutAWord) {
     ASSERT_EQ(symlink((std::string(cwd) + "/sfx/music1.ogg").c_str(), "sfx/music1.ogg"), 0);
     EXPECT_EQ(errorsOfLoadMusic(), "");
     EXPECT_NE(music, nullptr);
 }
 
-TEST_F(LoadMusic, MissingTrackIsReportedAndLeavesNoMusic) {
+TEST_F(LoadMusicTest, MissingTrackIsReportedAndLeavesNoMusic) {
     EXPECT_EQ(errorsOfLoadMusic(), "Could not load sfx/music1.ogg: Couldn't open 'sfx/music1.ogg'\n");
     EXPECT_EQ(music, nullptr);
 }
 
-TEST_F(LoadMusic, TrackThatIsNoOggStreamIsReportedAndLeavesNoMusic) {
+TEST_F(LoadMusicTest, TrackThatIsNoOggStreamIsReportedAndLeavesNoMusic) {
     writeTrack(std::string(4096, 'x'));
     EXPECT_EQ(errorsOfLoadMusic(), "Could not load sfx/music1.ogg: Not an Ogg Vorbis audio stream\n");
     EXPECT_EQ(music, nullptr);
 }
 
-TEST_F(LoadMusic, MissingAudioDeviceIsReportedAndNothingIsLoaded) {
+TEST_F(LoadMusicTest, MissingAudioDeviceIsReportedAndNothingIsLoaded) {
     ASSERT_EQ(symlink((std::string(cwd) + "/sfx/music1.ogg").c_str(), "sfx/music1.ogg"), 0);
     setenv("SDL_AUDIODRIVER", "nosuchdevice", 1);
     EXPECT_EQ(errorsOfLoadMusic(), "Could not open audio: No available audio device\n");

@@ -6,20 +6,20 @@
 #include "game/EnemyPlasma.h"
 #include "game/Plasma.h"
 #include "scene/ParticleSlice.h"
-#include "tests/game/CombatFixture.h"
+#include "tests/support/GameSession.h"
 
-using namespace combat_testing;
+using namespace testing_support;
 using orvel::Orvel;
 using orvel::vec2;
 using orvel::vec3;
 
 namespace {
 
-class PlasmaShots : public CombatTest {
+class PlasmaTest : public SessionTest {
 protected:
     void SetUp() override {
-        CombatTest::SetUp();
-        gun = new Plasma();
+        SessionTest::SetUp();
+        gun = keep(new Plasma());
         gun->position = vec3(1000, 1000, 0);
     }
     Plasma* gun = nullptr;
@@ -27,7 +27,7 @@ protected:
 
 } // namespace
 
-TEST_F(PlasmaShots, ShotLeavesTheMuzzleAtFullSpeed) {
+TEST_F(PlasmaTest, ShotLeavesTheMuzzleAtFullSpeed) {
     EXPECT_EQ(gun->shoot(vec2(3, 4)), 2.0f);
     const Plasma::Shot& s = gun->ring.shots[0];
     // (3, 4) / 5 x 750.
@@ -40,14 +40,14 @@ TEST_F(PlasmaShots, ShotLeavesTheMuzzleAtFullSpeed) {
     EXPECT_EQ(gun->ring.shotCursor, 0u);
 }
 
-TEST_F(PlasmaShots, RefusedShotTakesNoSlot) {
+TEST_F(PlasmaTest, RefusedShotTakesNoSlot) {
     gun->shoot(vec2(1, 0));
     setTime(START + 100);
     EXPECT_EQ(gun->shoot(vec2(1, 0)), 0.0f);
     EXPECT_EQ(gun->ring.shots[1].finish, 0u);
 }
 
-TEST_F(PlasmaShots, ShotMovesByVelocityTimesFrameLength) {
+TEST_F(PlasmaTest, ShotMovesByVelocityTimesFrameLength) {
     Orvel::sync = 0.25f;
     gun->shoot(vec2(1, 0));
     setTime(START + 250);
@@ -56,7 +56,7 @@ TEST_F(PlasmaShots, ShotMovesByVelocityTimesFrameLength) {
     EXPECT_FLOAT_EQ(gun->ring.shots[0].position.y, 1000.0f);
 }
 
-TEST_F(PlasmaShots, ShotEndsAtItsLife) {
+TEST_F(PlasmaTest, ShotEndsAtItsLife) {
     gun->shoot(vec2(1, 0));
     setTime(START + 1500);
     gun->update();
@@ -64,11 +64,10 @@ TEST_F(PlasmaShots, ShotEndsAtItsLife) {
     EXPECT_EQ(gun->ring.shots[0].position.x, 1000.0f);
 }
 
-TEST_F(PlasmaShots, HitEndsTheShotDamagesAndSparks) {
+TEST_F(PlasmaTest, HitEndsTheShotDamagesAndSparks) {
     Orvel::sync = 0.1f;
     // Step from 1000 to 1075; the enemy's circle (radius 20 at 1050) is entered at 1030.
-    DummyEnemy* e = addEnemy<DummyEnemy>(1050, 1000, 20);
-    placeInWorld(e);
+    DummyEnemy* e = addDummyInWorld(1050, 1000, 20);
     gun->shoot(vec2(1, 0));
     // The damage draw: 0.25 x (15 - 5) + 5.
     plantFloats({0.25f});
@@ -88,7 +87,7 @@ TEST_F(PlasmaShots, HitEndsTheShotDamagesAndSparks) {
     EXPECT_EQ(e->hits, 1);
 }
 
-TEST_F(PlasmaShots, SixtyFifthShotGrowsTheRingAndKeepsAllShots) {
+TEST_F(PlasmaTest, SixtyFifthShotGrowsTheRingAndKeepsAllShots) {
     gun->rate = -1.0f;
     for (int i = 0; i < 64; ++i) {
         gun->position = vec3(1000.0f + i, 1000, 0);
@@ -110,7 +109,7 @@ TEST_F(PlasmaShots, SixtyFifthShotGrowsTheRingAndKeepsAllShots) {
     for (unsigned i = 65; i < 128; ++i) EXPECT_EQ(gun->ring.shots[i].finish, 0u);
 }
 
-TEST_F(PlasmaShots, FreedSlotIsReusedBeforeGrowing) {
+TEST_F(PlasmaTest, FreedSlotIsReusedBeforeGrowing) {
     gun->rate = -1.0f;
     for (int i = 0; i < 64; ++i) gun->shoot(vec2(1, 0));
     gun->ring.shots[10].finish = 0;
@@ -119,9 +118,9 @@ TEST_F(PlasmaShots, FreedSlotIsReusedBeforeGrowing) {
     EXPECT_EQ(gun->ring.shotCursor, 10u);
 }
 
-TEST_F(PlasmaShots, EnemyPlasmaHitsFriends) {
+TEST_F(PlasmaTest, EnemyPlasmaHitsFriends) {
     Orvel::sync = 0.1f;
-    EnemyPlasma* enemyGun = new EnemyPlasma();
+    EnemyPlasma* enemyGun = keep(new EnemyPlasma());
     enemyGun->position = vec3(1000, 1000, 0);
     DummyFriend* f = new DummyFriend();
     f->position = vec2(1000, 1050);

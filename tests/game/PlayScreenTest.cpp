@@ -1,8 +1,6 @@
 // A frame of play with the whole HUD: a real game session stepped into its first wave, the
 // radar and gauges in their boxes, drawn world first, then the HUD.
 
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 
 #include "engine/Orvel.h"
@@ -17,14 +15,14 @@
 #include "game/Reticle.h"
 #include "game/ScoreCounter.h"
 #include "scene/Text.h"
-#include "tests/game/HudFixture.h"
+#include "tests/support/GameSession.h"
 
 using orvel::Orvel;
 using testing_support::HudScene;
 
 namespace {
 
-class PlayScreen : public HudScene {
+class PlayScreenTest : public HudScene {
 protected:
     void SetUp() override {
         HudScene::SetUp();
@@ -33,17 +31,10 @@ protected:
         Orvel::sync = 0.016f;
         g_game = new Game();
         g_game->init();
-        radar = new RadarDisplay();
+        radar = keep(new RadarDisplay());
         g_game->radarBox->add(radar);
-        gauges = new EnergyGauges();
+        gauges = keep(new EnergyGauges());
         g_game->weaponBox->add(gauges);
-    }
-    void TearDown() override {
-        // The session's objects go with the process; the roots are unlinked from them first.
-        g_world->clear();
-        g_hud->clear();
-        g_game = nullptr;
-        HudScene::TearDown();
     }
 
     // Steps the game from the current time up to `until` in 16 ms frames, mouse at (mx, my).
@@ -62,23 +53,6 @@ protected:
         g_hud->draw();
     }
 
-    // Writes the screen as a binary PPM when NIGHTVECTOR_PLAY_SHOT names a file: a picture
-    // for people, not part of any check.
-    static void saveIfAsked(const Pixels& p) {
-        const char* path = std::getenv("NIGHTVECTOR_PLAY_SHOT");
-        if (!path) return;
-        FILE* f = std::fopen(path, "wb");
-        if (!f) return;
-        std::fprintf(f, "P6\n%d %d\n255\n", p.width, p.height);
-        for (int y = 0; y < p.height; ++y) {
-            for (int x = 0; x < p.width; ++x) {
-                uint32_t c = p.at(x, y);
-                unsigned char rgb[3] = {red(c), green(c), blue(c)};
-                std::fwrite(rgb, 1, 3, f);
-            }
-        }
-        std::fclose(f);
-    }
 
     RadarDisplay* radar = nullptr;
     EnergyGauges* gauges = nullptr;
@@ -86,7 +60,7 @@ protected:
 
 } // namespace
 
-TEST_F(PlayScreen, TheFirstWaveShowsOnTheRadarWhileTheScoreRolls) {
+TEST_F(PlayScreenTest, TheFirstWaveShowsOnTheRadarWhileTheScoreRolls) {
     playUntil(6600, 900, 260);
     ASSERT_GT(g_game->enemies.count, 0u);
     g_game->scoreCounter->addValue(55);
@@ -95,7 +69,7 @@ TEST_F(PlayScreen, TheFirstWaveShowsOnTheRadarWhileTheScoreRolls) {
     playUntil(6800, 900, 260);
     drawFrame();
     Pixels p = readScreen();
-    saveIfAsked(p);
+    savePictureIfAsked(p, "NIGHTVECTOR_PLAY_SHOT");
 
     // The radar gathered every enemy of the wave.
     EXPECT_EQ(radar->blips.count, g_game->enemies.count + g_game->powerups.count);
@@ -122,7 +96,7 @@ TEST_F(PlayScreen, TheFirstWaveShowsOnTheRadarWhileTheScoreRolls) {
     EXPECT_FLOAT_EQ(g_game->reticle->position.y, 260.0f);
 }
 
-TEST_F(PlayScreen, TheRadarPlacesEveryEnemyAndPowerupAroundTheShip) {
+TEST_F(PlayScreenTest, TheRadarPlacesEveryEnemyAndPowerupAroundTheShip) {
     g_game->player->position = orvel::vec2(100, 100);
     g_game->nextWave();
     ASSERT_GE(g_game->enemies.count, 2u);

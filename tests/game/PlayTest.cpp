@@ -8,9 +8,9 @@
 #include "game/EnemyPlasma.h"
 #include "game/Friend.h"
 #include "scene/Group.h"
-#include "tests/game/SessionFixture.h"
+#include "tests/support/GameSession.h"
 
-using namespace session_testing;
+using namespace testing_support;
 using orvel::vec2;
 
 namespace {

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include <SDL/SDL_keysym.h>
+
 #include "engine/Math.h"
 #include "game/GrappleEffect.h"
 #include "game/Laser.h"
@@ -18,19 +20,19 @@
 #include "scene/ParticleSystem.h"
 #include "scene/Sprite.h"
 #include "scene/Text.h"
-#include "tests/AllocationCounter.h"
-#include "tests/game/CombatFixture.h"
+#include "tests/support/AllocationCounter.h"
+#include "tests/support/GameSession.h"
 
-using namespace combat_testing;
+using namespace testing_support;
 using orvel::Orvel;
 using orvel::vec2;
 
 namespace {
 
-class Ship : public CombatTest {
+class PlayerTest : public SessionTest {
 protected:
     void SetUp() override {
-        CombatTest::SetUp();
+        SessionTest::SetUp();
         g_game->init();
         player = g_game->player;
         // init places the ship at the world's centre.
@@ -69,7 +71,7 @@ protected:
 
 } // namespace
 
-TEST_F(Ship, ConstructionNumbersAndWiring) {
+TEST_F(PlayerTest, ConstructionNumbersAndWiring) {
     EXPECT_EQ(player->hull, 125.0f);
     EXPECT_EQ(player->maxHull, 100.0f);
     EXPECT_EQ(player->pickupRadius, 150.0f);
@@ -107,7 +109,7 @@ TEST_F(Ship, ConstructionNumbersAndWiring) {
     EXPECT_EQ(player->energyText->position.y, 25.0f);
 }
 
-TEST_F(Ship, FirstShipStartsAliveWithoutBanner) {
+TEST_F(PlayerTest, FirstShipStartsAliveWithoutBanner) {
     EXPECT_EQ(g_game->lives, 3);
     EXPECT_EQ(player->spawnEnd, 0.0f);
     EXPECT_EQ(player->respawnEnd, 0.0f);
@@ -116,15 +118,15 @@ TEST_F(Ship, FirstShipStartsAliveWithoutBanner) {
     EXPECT_EQ(player->scale, 1.0f);
 }
 
-TEST_F(Ship, EnergyTextShowsTheIntegerPart) {
+TEST_F(PlayerTest, EnergyTextShowsTheIntegerPart) {
     player->energy = 100.0f;
     frame(START);
     // 100 + 35 / 60 = 100.58.
     EXPECT_STREQ(player->energyText->text.getCString(), "Energy: 100");
 }
 
-TEST_F(Ship, ThrustAddsPushAndCostsEnergy) {
-    frame(START, 0, KEY_W, KEY_D);
+TEST_F(PlayerTest, ThrustAddsPushAndCostsEnergy) {
+    frame(START, 0, SDLK_w, SDLK_d);
     const float a = 500.0f / 60.0f;
     EXPECT_FLOAT_EQ(player->velocity.x, a);
     EXPECT_FLOAT_EQ(player->velocity.y, -a);
@@ -135,17 +137,17 @@ TEST_F(Ship, ThrustAddsPushAndCostsEnergy) {
     EXPECT_FLOAT_EQ(player->trailEmitter->direction.y, a);
 }
 
-TEST_F(Ship, OppositeKeysCancel) {
-    frame(START, 0, KEY_A, KEY_D);
+TEST_F(PlayerTest, OppositeKeysCancel) {
+    frame(START, 0, SDLK_a, SDLK_d);
     EXPECT_EQ(player->velocity.x, 0.0f);
     EXPECT_EQ(player->energy, 350.0f);
     EXPECT_EQ(player->trailEmitter->rate, 0u);
 }
 
-TEST_F(Ship, TooLittleEnergyGivesAProportionalPushAndLeavesZero) {
+TEST_F(PlayerTest, TooLittleEnergyGivesAProportionalPushAndLeavesZero) {
     player->energy = 0.0f;
     player->thrustCost = 100.0f;
-    frame(START, 0, KEY_D);
+    frame(START, 0, SDLK_d);
     const float regen = 35.0f / 60.0f;
     const float cost = 100.0f / 60.0f;
     const float push = (500.0f / 60.0f) * (regen / cost);
@@ -155,18 +157,18 @@ TEST_F(Ship, TooLittleEnergyGivesAProportionalPushAndLeavesZero) {
     EXPECT_EQ(player->energy, 0.0f);
 }
 
-TEST_F(Ship, ExactlySpentEnergyGivesNoPush) {
+TEST_F(PlayerTest, ExactlySpentEnergyGivesNoPush) {
     Orvel::sync = 0.25f;
     player->energyRegen = 0.0f;
     // 25 x 0.25 = 6.25 exactly.
     player->energy = 6.25f;
-    frame(START, 0, KEY_D);
+    frame(START, 0, SDLK_d);
     EXPECT_EQ(player->energy, 0.0f);
     EXPECT_EQ(player->velocity.x, 0.0f);
     EXPECT_EQ(player->velocity.y, 0.0f);
 }
 
-TEST_F(Ship, ReleasedKeysBrakeAt300PerSecondPerAxisNeverPastZero) {
+TEST_F(PlayerTest, ReleasedKeysBrakeAt300PerSecondPerAxisNeverPastZero) {
     Orvel::sync = 0.25f;
     player->velocity = vec2(100, -100);
     frame(START);
@@ -177,15 +179,15 @@ TEST_F(Ship, ReleasedKeysBrakeAt300PerSecondPerAxisNeverPastZero) {
     EXPECT_EQ(player->velocity.y, 0.0f);
 }
 
-TEST_F(Ship, BrakingOnlyOnTheAxisWithoutInput) {
+TEST_F(PlayerTest, BrakingOnlyOnTheAxisWithoutInput) {
     Orvel::sync = 0.25f;
     player->velocity = vec2(100, 0);
-    frame(START, 0, KEY_W);
+    frame(START, 0, SDLK_w);
     EXPECT_FLOAT_EQ(player->velocity.x, 25.0f);
     EXPECT_FLOAT_EQ(player->velocity.y, -125.0f);
 }
 
-TEST_F(Ship, BothWeaponsDrawOnOnePool) {
+TEST_F(PlayerTest, BothWeaponsDrawOnOnePool) {
     frame(START, LEFT_BUTTON | RIGHT_BUTTON);
     EXPECT_FLOAT_EQ(player->energy, 350.0f - 2.0f - 8.0f);
     EXPECT_EQ(player->plasma->ring.shots[0].finish, START + 1500);
@@ -199,7 +201,7 @@ TEST_F(Ship, BothWeaponsDrawOnOnePool) {
     EXPECT_FLOAT_EQ(player->energy, 340.0f + 35.0f / 60.0f);
 }
 
-TEST_F(Ship, WeaponFiresOnlyWhileEnergyExceedsItsCost) {
+TEST_F(PlayerTest, WeaponFiresOnlyWhileEnergyExceedsItsCost) {
     player->energyRegen = 0.0f;
     player->energy = 2.0f;
     frame(START, LEFT_BUTTON);
@@ -212,7 +214,7 @@ TEST_F(Ship, WeaponFiresOnlyWhileEnergyExceedsItsCost) {
     EXPECT_EQ(player->laser->lastShot, 0.0f);
 }
 
-TEST_F(Ship, PlasmaAimsAtTheMouseInWorldCoordinates) {
+TEST_F(PlayerTest, PlasmaAimsAtTheMouseInWorldCoordinates) {
     // The camera follows the ship only in Game::update; here the default camera at (640, 360)
     // maps the mouse pixel (640, 360) to the same world point.
     setTime(START);
@@ -223,9 +225,9 @@ TEST_F(Ship, PlasmaAimsAtTheMouseInWorldCoordinates) {
     EXPECT_FLOAT_EQ(player->plasma->ring.shots[0].velocity.y, -750.0f);
 }
 
-TEST_F(Ship, SpeedIsLimitedTo350) {
+TEST_F(PlayerTest, SpeedIsLimitedTo350) {
     player->velocity = vec2(400, 300);
-    frame(START, 0, KEY_D, KEY_S);
+    frame(START, 0, SDLK_d, SDLK_s);
     const float a = 500.0f / 60.0f;
     const float vx = 400.0f + a;
     const float vy = 300.0f + a;
@@ -234,9 +236,9 @@ TEST_F(Ship, SpeedIsLimitedTo350) {
     EXPECT_NEAR(player->velocity.y, vy / len * 350.0f, 1e-3);
 }
 
-TEST_F(Ship, CameraLeadGrowsWithMomentumAndDecays) {
+TEST_F(PlayerTest, CameraLeadGrowsWithMomentumAndDecays) {
     player->velocity = vec2(350, 0);
-    frame(START, 0, KEY_D);
+    frame(START, 0, SDLK_d);
     // Limited back to 350, then lead += 350 x (1/350) x 350 / 60, then x (1 - |lead|/maxLead/60).
     const float lead = 350.0f / 60.0f;
     const float expected = lead * (1.0f - (lead / 707.1068f) / 60.0f);
@@ -245,7 +247,7 @@ TEST_F(Ship, CameraLeadGrowsWithMomentumAndDecays) {
     EXPECT_NEAR(player->position.x, 2048.0f + 350.0f / 60.0f, 1e-3);
 }
 
-TEST_F(Ship, GlowPulseDimmedBySpentEnergy) {
+TEST_F(PlayerTest, GlowPulseDimmedBySpentEnergy) {
     player->energyRegen = 0.0f;
     player->energy = 175.0f;
     frame(START);
@@ -254,7 +256,7 @@ TEST_F(Ship, GlowPulseDimmedBySpentEnergy) {
     EXPECT_EQ(player->bottomGlow->blendColor.a, top - 100 > 0 ? top - 100 : 0);
 }
 
-TEST_F(Ship, SpritesSpin) {
+TEST_F(PlayerTest, SpritesSpin) {
     Orvel::sync = 0.1f;
     frame(START);
     EXPECT_FLOAT_EQ(player->bottomSprite->rotation.z, 360.0f - 16.5f);
@@ -262,7 +264,7 @@ TEST_F(Ship, SpritesSpin) {
     EXPECT_FLOAT_EQ(player->middleSprite->rotation.z, 2.0f);
 }
 
-TEST_F(Ship, HitDuringGrowInDoesNoDamage) {
+TEST_F(PlayerTest, HitDuringGrowInDoesNoDamage) {
     player->spawnStart = (float)START;
     player->spawnEnd = (float)(START + 1000);
     setTime(START + 999);
@@ -270,12 +272,12 @@ TEST_F(Ship, HitDuringGrowInDoesNoDamage) {
     EXPECT_EQ(player->hull, 125.0f);
 }
 
-TEST_F(Ship, NonLethalHitTakesHull) {
+TEST_F(PlayerTest, NonLethalHitTakesHull) {
     EXPECT_TRUE(player->damage(25.0f));
     EXPECT_EQ(player->hull, 100.0f);
 }
 
-TEST_F(Ship, LethalHitDestroysAndStartsTheWait) {
+TEST_F(PlayerTest, LethalHitDestroysAndStartsTheWait) {
     player->hull = 10.0f;
     player->velocity = vec2(100, 50);
     EXPECT_FALSE(player->damage(10.0f));
@@ -293,7 +295,7 @@ TEST_F(Ship, LethalHitDestroysAndStartsTheWait) {
     EXPECT_EQ(g_game->explosionSlice->parent, (Container*)g_world);
 }
 
-TEST_F(Ship, FullLifeCycleEndsTheGameOnTheFourthDeath) {
+TEST_F(PlayerTest, FullLifeCycleEndsTheGameOnTheFourthDeath) {
     uint32_t t = START;
     const char* expectedBanners[3] = {"2 lives left", "1 lives left", "0 lives left"};
     for (int life = 0; life < 3; ++life) {
@@ -356,46 +358,45 @@ TEST_F(Ship, FullLifeCycleEndsTheGameOnTheFourthDeath) {
     EXPECT_FALSE(g_game->running);
 }
 
-TEST_F(Ship, SteadyFlightAndFireAllocateNothing) {
+TEST_F(PlayerTest, SteadyFlightAndFireAllocateNothing) {
     // A target halfway along the line of fire from (2048, 2048) to the mouse's world point
     // (640, 360) keeps the hit test and the sparks busy; the ship is held in place.
-    DummyEnemy* e = addEnemy<DummyEnemy>(1344, 1204, 60);
-    placeInWorld(e);
+    DummyEnemy* e = addDummyInWorld(1344, 1204, 60);
     uint32_t t = START;
     for (int i = 0; i < 120; ++i, t += 16) {
         player->position = vec2(2048, 2048);
-        frame(t, LEFT_BUTTON | RIGHT_BUTTON, KEY_W, KEY_D);
+        frame(t, LEFT_BUTTON | RIGHT_BUTTON, SDLK_w, SDLK_d);
         g_game->particles->update();
     }
     const int hitsBefore = e->hits;
     const std::size_t before = testing_support::allocationCount();
     for (int i = 0; i < 60; ++i, t += 16) {
         player->position = vec2(2048, 2048);
-        frame(t, LEFT_BUTTON | RIGHT_BUTTON, KEY_W, KEY_D);
+        frame(t, LEFT_BUTTON | RIGHT_BUTTON, SDLK_w, SDLK_d);
         g_game->particles->update();
     }
     EXPECT_EQ(testing_support::allocationCount(), before);
     EXPECT_GT(e->hits, hitsBefore);
 }
 
-TEST_F(Ship, EnergyOverScriptedFramesWithThrustAndBothWeapons) {
+TEST_F(PlayerTest, EnergyOverScriptedFramesWithThrustAndBothWeapons) {
     const float regen = 35.0f / 60.0f;
     const float thrust = 25.0f / 60.0f;
     const uint32_t buttons = LEFT_BUTTON | RIGHT_BUTTON;
     // Frame 1: regeneration clamps at 350, then thrust, plasma (2) and laser (8).
-    frame(START, buttons, KEY_W);
+    frame(START, buttons, SDLK_w);
     float expected = 350.0f - thrust - 2.0f - 8.0f;
     EXPECT_FLOAT_EQ(player->energy, expected);
     // 16 ms: both gates closed.
-    frame(START + 16, buttons, KEY_W);
+    frame(START + 16, buttons, SDLK_w);
     expected = expected + regen - thrust;
     EXPECT_FLOAT_EQ(player->energy, expected);
     // 200 ms: the plasma's 1000 / 5 has passed, the laser's 1000 / 4 has not.
-    frame(START + 200, buttons, KEY_W);
+    frame(START + 200, buttons, SDLK_w);
     expected = expected + regen - thrust - 2.0f;
     EXPECT_FLOAT_EQ(player->energy, expected);
     // 250 ms: the laser again; the plasma waits until 400.
-    frame(START + 250, buttons, KEY_W);
+    frame(START + 250, buttons, SDLK_w);
     expected = expected + regen - thrust - 8.0f;
     EXPECT_FLOAT_EQ(player->energy, expected);
     // Released: regeneration only.
@@ -404,7 +405,7 @@ TEST_F(Ship, EnergyOverScriptedFramesWithThrustAndBothWeapons) {
     EXPECT_FLOAT_EQ(player->energy, expected);
 }
 
-TEST_F(Ship, RegenerationStopsAtTheMaximum) {
+TEST_F(PlayerTest, RegenerationStopsAtTheMaximum) {
     player->energy = 349.9f;
     frame(START);
     EXPECT_EQ(player->energy, 350.0f);

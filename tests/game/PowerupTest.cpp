@@ -10,18 +10,18 @@
 #include "scene/Group.h"
 #include "scene/Sprite.h"
 #include "scene/Text.h"
-#include "tests/game/CombatFixture.h"
+#include "tests/support/GameSession.h"
 
-using namespace combat_testing;
+using namespace testing_support;
 using orvel::Orvel;
 using orvel::vec2;
 
 namespace {
 
-class Powerups : public CombatTest {
+class PowerupTest : public SessionTest {
 protected:
     void SetUp() override {
-        CombatTest::SetUp();
+        SessionTest::SetUp();
         g_game->init();
         player = g_game->player;
     }
@@ -70,7 +70,7 @@ protected:
 
 } // namespace
 
-TEST_F(Powerups, KindBoundaries) {
+TEST_F(PowerupTest, KindBoundaries) {
     EXPECT_EQ(kindFor(0, 0), 0);
     EXPECT_EQ(kindFor(89, 0), 0);
     EXPECT_EQ(kindFor(90, 0), 1);
@@ -89,7 +89,7 @@ TEST_F(Powerups, KindBoundaries) {
     EXPECT_EQ(kindFor(190, 210), 6);
 }
 
-TEST_F(Powerups, VelocityComesFromTheTwoFirstDrawsSwapped) {
+TEST_F(PowerupTest, VelocityComesFromTheTwoFirstDrawsSwapped) {
     plantFloats({0.0f, 1.0f});
     plantInts({0});
     Powerup p;
@@ -99,7 +99,7 @@ TEST_F(Powerups, VelocityComesFromTheTwoFirstDrawsSwapped) {
     EXPECT_EQ(p.kind, 0);
 }
 
-TEST_F(Powerups, ConstructionNodes) {
+TEST_F(PowerupTest, ConstructionNodes) {
     Powerup p;
     EXPECT_EQ(p.drawable, p.group);
     EXPECT_EQ(p.group->first, p.sprite);
@@ -113,7 +113,7 @@ TEST_F(Powerups, ConstructionNodes) {
     EXPECT_FALSE(p.collecting);
 }
 
-TEST_F(Powerups, DriftsAndSlowsDown) {
+TEST_F(PowerupTest, DriftsAndSlowsDown) {
     Orvel::sync = 0.25f;
     Powerup* p = drop(500, 500);
     p->velocity = vec2(75, -75);
@@ -129,7 +129,7 @@ TEST_F(Powerups, DriftsAndSlowsDown) {
     EXPECT_EQ(p->glow->frame, 6);
 }
 
-TEST_F(Powerups, AnimationWrapsAfter256Frames) {
+TEST_F(PowerupTest, AnimationWrapsAfter256Frames) {
     Orvel::sync = 0.25f;
     Powerup* p = drop(500, 500);
     p->animFrame = 250.0f;
@@ -138,7 +138,7 @@ TEST_F(Powerups, AnimationWrapsAfter256Frames) {
     EXPECT_EQ(p->sprite->frame, 0);
 }
 
-TEST_F(Powerups, PullInStaysWithTheFirstCollector) {
+TEST_F(PowerupTest, PullInStaysWithTheFirstCollector) {
     player->position = vec2(1100, 1000);
     player->energy = 10.0f;
     Powerup* p = drop(1000, 1000);
@@ -173,7 +173,7 @@ TEST_F(Powerups, PullInStaysWithTheFirstCollector) {
     EXPECT_EQ(t->text->parent, (Container*)g_world);
 }
 
-TEST_F(Powerups, OutOfRangeOrAcrossTheWrapIsNotCollected) {
+TEST_F(PowerupTest, OutOfRangeOrAcrossTheWrapIsNotCollected) {
     player->position = vec2(4090, 1000);
     // 16 units apart through the wrap, but the pickup test uses the plain distance.
     Powerup* p = drop(10, 1000);
@@ -181,7 +181,7 @@ TEST_F(Powerups, OutOfRangeOrAcrossTheWrapIsNotCollected) {
     EXPECT_FALSE(p->collecting);
 }
 
-TEST_F(Powerups, UpgradeAddsPointsAndShowsTheAmount) {
+TEST_F(PowerupTest, UpgradeAddsPointsAndShowsTheAmount) {
     // 10 x (1 + 2 mod 4) = 30.
     EXPECT_EQ(collectKind(Powerup::UPGRADE, {2}), "Upgrade +30");
     EXPECT_EQ(g_game->upgradePoints, 30);
@@ -197,13 +197,13 @@ TEST_F(Powerups, UpgradeAddsPointsAndShowsTheAmount) {
     EXPECT_EQ(t->startTime, START);
 }
 
-TEST_F(Powerups, EnergyRestored) {
+TEST_F(PowerupTest, EnergyRestored) {
     player->energy = 12.0f;
     EXPECT_EQ(collectKind(Powerup::ENERGY), "Energy restored");
     EXPECT_EQ(player->energy, 350.0f);
 }
 
-TEST_F(Powerups, ShieldRestoredWithZeroMaximumLeavesZero) {
+TEST_F(PowerupTest, ShieldRestoredWithZeroMaximumLeavesZero) {
     EXPECT_EQ(collectKind(Powerup::SHIELD), "Shield restored");
     EXPECT_EQ(player->shield, 0.0f);
     player->maxShield = 40.0f;
@@ -211,19 +211,19 @@ TEST_F(Powerups, ShieldRestoredWithZeroMaximumLeavesZero) {
     EXPECT_EQ(player->shield, 40.0f);
 }
 
-TEST_F(Powerups, ExtraScore) {
+TEST_F(PowerupTest, ExtraScore) {
     // 100 x (5 + 7 mod 10) = 1200.
     EXPECT_EQ(collectKind(Powerup::EXTRA_SCORE, {7}), "Extra score");
     EXPECT_EQ(g_game->scoreCounter->value, 1200);
 }
 
-TEST_F(Powerups, HullRestoredToTheMaximumBelowASpawn) {
+TEST_F(PowerupTest, HullRestoredToTheMaximumBelowASpawn) {
     player->hull = 50.0f;
     EXPECT_EQ(collectKind(Powerup::HULL), "Hull restored");
     EXPECT_EQ(player->hull, 100.0f);
 }
 
-TEST_F(Powerups, SpeedBoostChangesNothingElse) {
+TEST_F(PowerupTest, SpeedBoostChangesNothingElse) {
     player->energy = 200.0f;
     player->velocity = vec2(10, 20);
     EXPECT_EQ(collectKind(Powerup::SPEED_BOOST, {3}), "Speed boost");
@@ -241,7 +241,7 @@ TEST_F(Powerups, SpeedBoostChangesNothingElse) {
     EXPECT_EQ(g_game->shakeEnd, 0.0f);
 }
 
-TEST_F(Powerups, MegaNukeKillsThroughTheWrapAndFlashesWhite) {
+TEST_F(PowerupTest, MegaNukeKillsThroughTheWrapAndFlashesWhite) {
     player->position = vec2(100, 100);
     Enemy* acrossWrap = addEnemy<Enemy>(3596, 100, 30); // 600 away through the wrap
     Enemy* far = addEnemy<Enemy>(1000, 100, 30);         // 900 away

@@ -10,9 +10,9 @@
 #include "engine/Matrix.h"
 #include "game/Plasma.h"
 #include "scene/Scene2D.h"
-#include "tests/game/CombatFixture.h"
+#include "tests/support/GameSession.h"
 
-using namespace combat_testing;
+using namespace testing_support;
 using orvel::vec2;
 using orvel::vec3;
 
@@ -37,24 +37,19 @@ void __wrap_glLoadMatrixf(const GLfloat* m) {
 
 namespace {
 
-class ProjectileRingTest : public CombatTest {
+class ProjectileRingTest : public SessionTest {
 protected:
     void SetUp() override {
-        CombatTest::SetUp();
+        SessionTest::SetUp();
         projection = orvel::mat4::createOrthoMatrix(-640, 640, -360, 360, -10, 10);
         state.projection2D = &projection;
         state.projection3D = &projection;
         state.color = Color4ub{255, 255, 255, 255};
         state.viewRects = &rects;
-        gun = new Plasma();
+        gun = keep(new Plasma());
         gun->position = vec3(1000, 1000, 0);
         gun->rate = -1.0f;
         gun->shoot(vec2(1, 0));
-    }
-
-    void TearDown() override {
-        delete gun;
-        CombatTest::TearDown();
     }
 
     // The view rectangles of a frame, one per offset; only the offsets matter to the ring.

@@ -7,8 +7,8 @@
 
 #include "engine/Orvel.h"
 #include "game/HUDRadarBox.h"
-#include "tests/AllocationCounter.h"
-#include "tests/game/HudFixture.h"
+#include "tests/support/AllocationCounter.h"
+#include "tests/support/GameSession.h"
 
 using orvel::vec2;
 using testing_support::HudScene;
@@ -26,18 +26,13 @@ protected:
 
     void SetUp() override {
         HudScene::SetUp();
-        box = new HUD_RadarBox();
+        box = keep(new HUD_RadarBox());
         box->position = orvel::vec3(1150, 590, 0);
         g_hud->add(box);
-        radar = new RadarDisplay();
+        radar = keep(new RadarDisplay());
         radar->followsGame = false;
         radar->centre = vec2(100, 100);
         radar->worldSize = vec2(4096, 4096);
-    }
-    void TearDown() override {
-        delete radar;
-        delete box;
-        HudScene::TearDown();
     }
 
     // The screen with the box alone, then with the radar in it.
@@ -50,6 +45,14 @@ protected:
         box->add(radar);
         drawHud();
         return readScreen();
+    }
+
+    // The pixel at (x, y) has the colour (r, g, b), give or take one step per channel.
+    static void expectColourAt(const Pixels& p, int x, int y, int r, int g, int b) {
+        uint32_t c = p.at(x, y);
+        EXPECT_NEAR(red(c), r, 1) << x << "," << y;
+        EXPECT_NEAR(green(c), g, 1) << x << "," << y;
+        EXPECT_NEAR(blue(c), b, 1) << x << "," << y;
     }
 
     static bool isOutsideDial(int x, int y) {
@@ -117,11 +120,7 @@ TEST(RadarDisplay, WithoutAGameGatherKeepsTheBlips) {
 TEST_F(RadarDisplayTest, AnEnemyEastOfTheShipLightsTheDialHalfwayToTheRim) {
     // 1024 units east: 113 art pixels, 56.5 screen pixels right of the dial's centre.
     radar->addBlip(vec2(1124, 100), RadarDisplay::BLIP_ENEMY);
-    Pixels p = drawWithRadar();
-    uint32_t c = p.at(1208, 592);
-    EXPECT_NEAR(red(c), 255, 1);
-    EXPECT_NEAR(green(c), 70, 1);
-    EXPECT_NEAR(blue(c), 60, 1);
+    expectColourAt(drawWithRadar(), 1208, 592, 255, 70, 60);
 }
 
 TEST_F(RadarDisplayTest, EnemiesAcrossTheWorldsWrapShowAtTheirNearOffsets) {
@@ -130,22 +129,14 @@ TEST_F(RadarDisplayTest, EnemiesAcrossTheWorldsWrapShowAtTheirNearOffsets) {
     radar->addBlip(vec2(100, 4000), RadarDisplay::BLIP_ENEMY);
     radar->addBlip(vec2(4000, 4000), RadarDisplay::BLIP_ENEMY);
     Pixels p = drawWithRadar();
-    for (auto xy : {std::make_pair(1141, 592), std::make_pair(1152, 581), std::make_pair(1141, 581)}) {
-        uint32_t c = p.at(xy.first, xy.second);
-        EXPECT_NEAR(red(c), 255, 1) << xy.first << "," << xy.second;
-        EXPECT_NEAR(green(c), 70, 1) << xy.first << "," << xy.second;
-        EXPECT_NEAR(blue(c), 60, 1) << xy.first << "," << xy.second;
-    }
+    for (auto xy : {std::make_pair(1141, 592), std::make_pair(1152, 581), std::make_pair(1141, 581)})
+        expectColourAt(p, xy.first, xy.second, 255, 70, 60);
 }
 
 TEST_F(RadarDisplayTest, PowerupsShowInTheirOwnColour) {
     // 1024 units south: 56.5 screen pixels below the centre.
     radar->addBlip(vec2(100, 1124), RadarDisplay::BLIP_POWERUP);
-    Pixels p = drawWithRadar();
-    uint32_t c = p.at(1152, 648);
-    EXPECT_NEAR(red(c), 90, 1);
-    EXPECT_NEAR(green(c), 255, 1);
-    EXPECT_NEAR(blue(c), 120, 1);
+    expectColourAt(drawWithRadar(), 1152, 648, 90, 255, 120);
 }
 
 TEST_F(RadarDisplayTest, NothingIsDrawnOutsideTheDial) {

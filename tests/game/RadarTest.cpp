@@ -2,7 +2,7 @@
 
 #include "game/Radar.h"
 
-#include "tests/game/HudFixture.h"
+#include "tests/support/GameSession.h"
 
 using testing_support::HudScene;
 

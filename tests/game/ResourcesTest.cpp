@@ -9,8 +9,8 @@
 #include "engine/Font.h"
 #include "engine/Surface.h"
 #include "engine/Texture.h"
-#include "tests/GLFixture.h"
-#include "tests/ResourceFiles.h"
+#include "tests/support/GLFixture.h"
+#include "tests/support/ResourceFiles.h"
 
 using orvel::Texture;
 using testing_support::FONT_FILES;
@@ -49,15 +49,15 @@ std::vector<Texture*> allTextures() {
 } // namespace
 
 // Tests run on a real GL context.
-class ResourcesGL : public GLTest {};
+class ResourcesTest : public GLTest {};
 
-TEST_F(ResourcesGL, LoadReportsFortyTwoFilesOkInTableOrder) {
+TEST_F(ResourcesTest, LoadReportsFortyTwoFilesOkInTableOrder) {
     testing::internal::CaptureStdout();
     Resources::load();
     EXPECT_EQ(testing::internal::GetCapturedStdout(), loadingLines());
 }
 
-TEST_F(ResourcesGL, LoadFillsEveryMember) {
+TEST_F(ResourcesTest, LoadFillsEveryMember) {
     Resources::load();
     for (Texture* t : allTextures()) {
         ASSERT_NE(t, nullptr);
@@ -70,7 +70,7 @@ TEST_F(ResourcesGL, LoadFillsEveryMember) {
     }
 }
 
-TEST_F(ResourcesGL, LoadCountsEveryTextureInUsedMemory) {
+TEST_F(ResourcesTest, LoadCountsEveryTextureInUsedMemory) {
     uint32_t before = Texture::usedMemory;
     Resources::load();
     uint32_t sum = 0;
@@ -80,7 +80,7 @@ TEST_F(ResourcesGL, LoadCountsEveryTextureInUsedMemory) {
     EXPECT_EQ(Texture::usedMemory - before, sum);
 }
 
-TEST_F(ResourcesGL, SecondHammerheadIsDistinctTextureWithSamePixels) {
+TEST_F(ResourcesTest, SecondHammerheadIsDistinctTextureWithSamePixels) {
     Resources::load();
     EXPECT_NE(Resources::enemy_hammerhead_tex, Resources::enemy_hammerhead2_tex);
     EXPECT_NE(Resources::enemy_hammerhead_tex->id, Resources::enemy_hammerhead2_tex->id);
@@ -89,7 +89,7 @@ TEST_F(ResourcesGL, SecondHammerheadIsDistinctTextureWithSamePixels) {
     EXPECT_EQ(texels(Resources::enemy_hammerhead_glow_tex), texels(Resources::enemy_hammerhead2_glow_tex));
 }
 
-TEST_F(ResourcesGL, GeneratedParticleDiscsAreOpaqueInsideAndClearOutside) {
+TEST_F(ResourcesTest, GeneratedParticleDiscsAreOpaqueInsideAndClearOutside) {
     Resources::load();
     ASSERT_EQ(Resources::proc_particle0_tex->width, 128);
     ASSERT_EQ(Resources::proc_particle1_tex->height, 128);
@@ -107,7 +107,7 @@ TEST_F(ResourcesGL, GeneratedParticleDiscsAreOpaqueInsideAndClearOutside) {
     EXPECT_EQ(alphaAt(small, 64 + 31, 64), 0u);
 }
 
-TEST_F(ResourcesGL, MissingFileEndsItsLineInErrorAndLoadingGoesOn) {
+TEST_F(ResourcesTest, MissingFileEndsItsLineInErrorAndLoadingGoesOn) {
     char dir[] = "/tmp/resourcesXXXXXX";
     ASSERT_NE(mkdtemp(dir), nullptr);
     std::string root = std::string(dir);
@@ -125,7 +125,7 @@ TEST_F(ResourcesGL, MissingFileEndsItsLineInErrorAndLoadingGoesOn) {
     std::string output = testing::internal::GetCapturedStdout();
     ASSERT_EQ(chdir(cwd), 0);
     EXPECT_EQ(system(("rm -rf " + root).c_str()), 0);
-    EXPECT_EQ(output, loadingLines("gfx/star.png"));
+    EXPECT_EQ(output, loadingLines({"gfx/star.png"}));
     ASSERT_NE(Resources::star_tex, nullptr);
     EXPECT_EQ(Resources::star_tex->width, 0);
     EXPECT_GT(Resources::skybox_top_tex->width, 0);

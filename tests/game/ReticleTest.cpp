@@ -6,7 +6,7 @@
 #include "game/Resources.h"
 #include "scene/Camera2D.h"
 #include "scene/Sprite.h"
-#include "tests/game/HudFixture.h"
+#include "tests/support/GameSession.h"
 
 using orvel::Orvel;
 using testing_support::HudScene;
@@ -57,22 +57,20 @@ TEST_F(ReticleTest, SitsExactlyUnderTheMouseWhateverTheWorldCameraDoes) {
 TEST_F(ReticleTest, TheGlowAlphaPulsesBetween64And192) {
     Reticle r;
     setMouse(0, 0);
+    // The glow's alpha after an update at `ms`.
+    auto glowAlphaAt = [&r](uint32_t ms) {
+        Orvel::currentTime = ms;
+        r.update();
+        return r.glow->blendColor.a;
+    };
     // sin(0) * 64 + 128.
-    Orvel::currentTime = 0;
-    r.update();
-    EXPECT_EQ(r.glow->blendColor.a, 128);
+    EXPECT_EQ(glowAlphaAt(0), 128);
     // sin(0.5) = 0.4794: 158.68.
-    Orvel::currentTime = 100;
-    r.update();
-    EXPECT_EQ(r.glow->blendColor.a, 158);
+    EXPECT_EQ(glowAlphaAt(100), 158);
     // sin(1.57) = 0.9999997: 191.99998.
-    Orvel::currentTime = 314;
-    r.update();
-    EXPECT_EQ(r.glow->blendColor.a, 191);
+    EXPECT_EQ(glowAlphaAt(314), 191);
     // sin(4.71) = -0.9999997: 64.00002.
-    Orvel::currentTime = 942;
-    r.update();
-    EXPECT_EQ(r.glow->blendColor.a, 64);
+    EXPECT_EQ(glowAlphaAt(942), 64);
     // The cross keeps its colour.
     EXPECT_EQ(r.cross->blendColor.a, 255);
 }

@@ -8,8 +8,8 @@
 #include "engine/Orvel.h"
 #include "game/Resources.h"
 #include "scene/Text.h"
-#include "tests/AllocationCounter.h"
-#include "tests/game/HudFixture.h"
+#include "tests/support/AllocationCounter.h"
+#include "tests/support/GameSession.h"
 
 using orvel::Orvel;
 using testing_support::HudScene;

@@ -7,26 +7,17 @@
 
 #include "engine/Matrix.h"
 #include "engine/Orvel.h"
-#include "tests/game/HudFixture.h"
+#include "tests/support/GameSession.h"
 
-using testing_support::HudScene;
+using testing_support::StarfieldScene;
 
 namespace {
 
 std::vector<GLsizei> drawnCounts;
 bool counting = false;
 
-class StarfieldBatch : public HudScene {
+class StarfieldBatchTest : public StarfieldScene {
 protected:
-    void SetUp() override {
-        HudScene::SetUp();
-        projection = orvel::mat4::createOrthoMatrix(-640, 640, -360, 360, -10, 10);
-        state.projection2D = &projection;
-        state.projection3D = &projection;
-        state.color = Color4ub{255, 255, 255, 255};
-        state.viewRects = nullptr;
-    }
-
     // The vertex counts of the draw calls one stars-only draw() makes.
     std::vector<GLsizei> drawCallsFor(int stars) {
         Starfield sf(stars);
@@ -37,9 +28,6 @@ protected:
         counting = false;
         return drawnCounts;
     }
-
-    orvel::mat4 projection;
-    SceneState state;
 };
 
 } // namespace
@@ -52,14 +40,14 @@ void __wrap_glDrawArrays(GLenum mode, GLint first, GLsizei count) {
 }
 }
 
-TEST_F(StarfieldBatch, FiveHundredTwelveStarsTakeFourDrawCallsOf128Stars) {
+TEST_F(StarfieldBatchTest, FiveHundredTwelveStarsTakeFourDrawCallsOf128Stars) {
     EXPECT_EQ(drawCallsFor(512), (std::vector<GLsizei>{512, 512, 512, 512}));
 }
 
-TEST_F(StarfieldBatch, TheRemainderIsDrawnAtTheEnd) {
+TEST_F(StarfieldBatchTest, TheRemainderIsDrawnAtTheEnd) {
     EXPECT_EQ(drawCallsFor(300), (std::vector<GLsizei>{512, 512, 176}));
 }
 
-TEST_F(StarfieldBatch, AFewStarsTakeOneDrawCall) {
+TEST_F(StarfieldBatchTest, AFewStarsTakeOneDrawCall) {
     EXPECT_EQ(drawCallsFor(5), (std::vector<GLsizei>{20}));
 }

@@ -13,22 +13,31 @@
 #include "game/Main.h"
 #include "game/Resources.h"
 #include "scene/Scene2D.h"
-#include "tests/AllocationCounter.h"
-#include "tests/game/HudFixture.h"
+#include "tests/support/AllocationCounter.h"
+#include "tests/support/GameSession.h"
 
 using orvel::Orvel;
 using orvel::Random;
 using orvel::vec2;
 using orvel::vec3;
-using testing_support::HudScene;
+using testing_support::StarfieldScene;
 
 namespace {
 
 const float PI_F = 3.14159265358979f;
 
 // Logic on the 1280 x 720 screen without a window: the screen size is set directly.
-class StarfieldLogic : public ::testing::Test {
+class StarfieldTest : public ::testing::Test {
 protected:
+    // Every float draw of g_rand gives `value` from the start of its table. The int cursor is
+    // moved away so that the complements randf writes land where no float is read.
+    static void everyFloatDrawGives(float value) {
+        for (int i = 0; i < Random::TABLE_SIZE; ++i)
+            g_rand.floatTable[i] = value;
+        g_rand.floatCursor = 0;
+        g_rand.intCursor = 30000;
+    }
+
     void SetUp() override {
         savedWidth = Orvel::width;
         savedHeight = Orvel::height;
@@ -52,18 +61,8 @@ protected:
     int savedHeight = 0;
 };
 
-class StarfieldDraw : public HudScene {
+class StarfieldDrawTest : public StarfieldScene {
 protected:
-    // The world scene's screen projection, as the scene root hands it to effects.
-    void SetUp() override {
-        HudScene::SetUp();
-        projection = orvel::mat4::createOrthoMatrix(-640, 640, -360, 360, -10, 10);
-        state.projection2D = &projection;
-        state.projection3D = &projection;
-        state.color = Color4ub{255, 255, 255, 255};
-        state.viewRects = nullptr;
-    }
-
     // A texture of one opaque white texel per pixel, so a star shows its vertex colour.
     static orvel::Texture* whiteTexture() {
         orvel::Surface s(32, 16);
@@ -80,14 +79,11 @@ protected:
         glEnable(GL_BLEND);
         glDisable(GL_DEPTH_TEST);
     }
-
-    orvel::mat4 projection;
-    SceneState state;
 };
 
 } // namespace
 
-TEST_F(StarfieldLogic, ConstructorSetsTheDocumentedFields) {
+TEST_F(StarfieldTest, ConstructorSetsTheDocumentedFields) {
     Starfield sf(512);
     EXPECT_EQ(sf.starCount, 512u);
     EXPECT_EQ(sf.starTexture, Resources::star_tex);
@@ -114,7 +110,7 @@ TEST_F(StarfieldLogic, ConstructorSetsTheDocumentedFields) {
     EXPECT_EQ(sizeof(Starfield::Vertex), 20u);
 }
 
-TEST_F(StarfieldLogic, ScatterDrawsEachStarFromTheLastDown) {
+TEST_F(StarfieldTest, ScatterDrawsEachStarFromTheLastDown) {
     g_rand.init(77);
     Starfield sf(6);
     Random r(77);
@@ -139,7 +135,7 @@ TEST_F(StarfieldLogic, ScatterDrawsEachStarFromTheLastDown) {
     }
 }
 
-TEST_F(StarfieldLogic, TheSpareRecordAfterTheLastStarStaysZero) {
+TEST_F(StarfieldTest, TheSpareRecordAfterTheLastStarStaysZero) {
     Starfield sf(6);
     const Starfield::Star& spare = sf.stars[6];
     EXPECT_EQ(spare.x, 0.0f);
@@ -149,7 +145,7 @@ TEST_F(StarfieldLogic, TheSpareRecordAfterTheLastStarStaysZero) {
     EXPECT_EQ(spare.color[3], 0);
 }
 
-TEST_F(StarfieldLogic, ScatterStaysInsideTheMarginsAndRanges) {
+TEST_F(StarfieldTest, ScatterStaysInsideTheMarginsAndRanges) {
     Starfield sf(512);
     for (unsigned i = 0; i < sf.starCount; ++i) {
         const Starfield::Star& s = sf.stars[i];
@@ -164,30 +160,23 @@ TEST_F(StarfieldLogic, ScatterStaysInsideTheMarginsAndRanges) {
     }
 }
 
-TEST_F(StarfieldLogic, ASize07StarAtMaximumDepthHasBrightness03) {
-    // Every float draw gives 1: x, y at the far margins, depth 30, size 0.7. The int cursor is
-    // moved away so that the complements randf writes land where no float is read.
-    for (int i = 0; i < Random::TABLE_SIZE; ++i)
-        g_rand.floatTable[i] = 1.0f;
-    g_rand.floatCursor = 0;
-    g_rand.intCursor = 30000;
+TEST_F(StarfieldTest, ASize07StarAtMaximumDepthHasBrightness03) {
+    // Every float draw gives 1: x, y at the far margins, depth 30, size 0.7.
+    everyFloatDrawGives(1.0f);
     Starfield sf(1);
     EXPECT_EQ(sf.stars[0].depth, 30.0f);
     EXPECT_FLOAT_EQ(sf.stars[0].size, 0.7f);
     EXPECT_NEAR(sf.stars[0].brightness, 0.3f, 1e-6f);
 }
 
-TEST_F(StarfieldLogic, AnyStarAtMinimumDepthHasBrightness1) {
-    for (int i = 0; i < Random::TABLE_SIZE; ++i)
-        g_rand.floatTable[i] = 0.0f;
-    g_rand.floatCursor = 0;
-    g_rand.intCursor = 30000;
+TEST_F(StarfieldTest, AnyStarAtMinimumDepthHasBrightness1) {
+    everyFloatDrawGives(0.0f);
     Starfield sf(1);
     EXPECT_EQ(sf.stars[0].depth, 1.0f);
     EXPECT_EQ(sf.stars[0].brightness, 1.0f);
 }
 
-TEST_F(StarfieldLogic, AtDepth1AStarMoves08PixelsPerWorldUnitAgainstTheCamera) {
+TEST_F(StarfieldTest, AtDepth1AStarMoves08PixelsPerWorldUnitAgainstTheCamera) {
     Starfield sf(2);
     place(sf, 0, 500, 300, 1.0f);
     vec2 delta(10, -5);
@@ -196,7 +185,7 @@ TEST_F(StarfieldLogic, AtDepth1AStarMoves08PixelsPerWorldUnitAgainstTheCamera) {
     EXPECT_FLOAT_EQ(sf.stars[0].y, 304.0f);
 }
 
-TEST_F(StarfieldLogic, AtDepth30AStarMovesAbout0027PixelsPerWorldUnit) {
+TEST_F(StarfieldTest, AtDepth30AStarMovesAbout0027PixelsPerWorldUnit) {
     Starfield sf(2);
     place(sf, 1, 500, 300, 30.0f);
     sf.move(1, 1);
@@ -205,7 +194,7 @@ TEST_F(StarfieldLogic, AtDepth30AStarMovesAbout0027PixelsPerWorldUnit) {
     EXPECT_NEAR(sf.stars[1].y, 300.0f - 0.0266667f, 1e-4f);
 }
 
-TEST_F(StarfieldLogic, AStarPastTheRightMarginReappearsAtTheLeftWithItsDepthAndColour) {
+TEST_F(StarfieldTest, AStarPastTheRightMarginReappearsAtTheLeftWithItsDepthAndColour) {
     Starfield sf(1);
     place(sf, 0, 1320, 300, 1.0f);
     uint8_t r = sf.stars[0].color[0], g = sf.stars[0].color[1], b = sf.stars[0].color[2];
@@ -218,14 +207,14 @@ TEST_F(StarfieldLogic, AStarPastTheRightMarginReappearsAtTheLeftWithItsDepthAndC
     EXPECT_EQ(sf.stars[0].color[2], b);
 }
 
-TEST_F(StarfieldLogic, AStarPastTheLeftMarginReappearsAtTheRight) {
+TEST_F(StarfieldTest, AStarPastTheLeftMarginReappearsAtTheRight) {
     Starfield sf(1);
     place(sf, 0, -45, 300, 1.0f);
     sf.move(10, 0);
     EXPECT_FLOAT_EQ(sf.stars[0].x, 1327.0f);
 }
 
-TEST_F(StarfieldLogic, AStarPastTheTopMarginReappearsAtTheBottom) {
+TEST_F(StarfieldTest, AStarPastTheTopMarginReappearsAtTheBottom) {
     Starfield sf(1);
     place(sf, 0, 300, -45, 1.0f);
     sf.move(0, 10);
@@ -233,7 +222,7 @@ TEST_F(StarfieldLogic, AStarPastTheTopMarginReappearsAtTheBottom) {
     EXPECT_FLOAT_EQ(sf.stars[0].y, 767.0f);
 }
 
-TEST_F(StarfieldLogic, AStarPastTheBottomMarginReappearsAtTheTop) {
+TEST_F(StarfieldTest, AStarPastTheBottomMarginReappearsAtTheTop) {
     Starfield sf(1);
     place(sf, 0, 300, 765, 2.0f);
     sf.move(0, -20);
@@ -241,7 +230,7 @@ TEST_F(StarfieldLogic, AStarPastTheBottomMarginReappearsAtTheTop) {
     EXPECT_FLOAT_EQ(sf.stars[0].y, -47.0f);
 }
 
-TEST_F(StarfieldLogic, ACameraJumpAcrossTheWorldWrapReachesMoveAsTheShortStep) {
+TEST_F(StarfieldTest, ACameraJumpAcrossTheWorldWrapReachesMoveAsTheShortStep) {
     // The camera crosses x = 4096 moving right by 9: the game hands move() +9, never -4087.
     Starfield sf(1);
     place(sf, 0, 640, 360, 1.0f);
@@ -252,7 +241,7 @@ TEST_F(StarfieldLogic, ACameraJumpAcrossTheWorldWrapReachesMoveAsTheShortStep) {
     EXPECT_FLOAT_EQ(sf.stars[0].x, 640.0f - 7.2f);
 }
 
-TEST_F(StarfieldLogic, RotateSkyAddsDegreesWrappedInto0To360) {
+TEST_F(StarfieldTest, RotateSkyAddsDegreesWrappedInto0To360) {
     Starfield sf(1);
     sf.rotateSky(355, -5, 310);
     EXPECT_FLOAT_EQ(sf.sky.rotX, 2.0f);
@@ -260,7 +249,7 @@ TEST_F(StarfieldLogic, RotateSkyAddsDegreesWrappedInto0To360) {
     EXPECT_FLOAT_EQ(sf.sky.rotZ, 6.0f);
 }
 
-TEST_F(StarfieldLogic, InitScattersAgainFromTheCurrentRandomState) {
+TEST_F(StarfieldTest, InitScattersAgainFromTheCurrentRandomState) {
     Starfield sf(4);
     g_rand.init(9);
     sf.init();
@@ -270,7 +259,7 @@ TEST_F(StarfieldLogic, InitScattersAgainFromTheCurrentRandomState) {
     EXPECT_EQ(sf.stars[3].color[2], b);
 }
 
-TEST_F(StarfieldDraw, TheSkyCameraStartsAtItsPathsOriginAtTime0) {
+TEST_F(StarfieldDrawTest, TheSkyCameraStartsAtItsPathsOriginAtTime0) {
     Starfield sf(1);
     sf.starsOn = 0;
     Orvel::currentTime = 0;
@@ -286,7 +275,7 @@ TEST_F(StarfieldDraw, TheSkyCameraStartsAtItsPathsOriginAtTime0) {
     EXPECT_NEAR(sf.camera.direction.z, 1.0f / len, 1e-5f);
 }
 
-TEST_F(StarfieldDraw, TheSkyCameraFollowsItsPathAQuarterCycleOn) {
+TEST_F(StarfieldDrawTest, TheSkyCameraFollowsItsPathAQuarterCycleOn) {
     Starfield sf(1);
     sf.starsOn = 0;
     // t = 1021018 / 650000 = 1.570797.
@@ -302,7 +291,7 @@ TEST_F(StarfieldDraw, TheSkyCameraFollowsItsPathAQuarterCycleOn) {
     EXPECT_NEAR(sf.camera.eye.z, 20.2254f, 1e-3f);
 }
 
-TEST_F(StarfieldDraw, TheSkyCameraPathWrapsIntoMinusPiToPi) {
+TEST_F(StarfieldDrawTest, TheSkyCameraPathWrapsIntoMinusPiToPi) {
     Starfield sf(1);
     sf.starsOn = 0;
     // 2600000 / 650000 = 4, which wraps to 4 - 2 pi = -2.28319.
@@ -314,7 +303,7 @@ TEST_F(StarfieldDraw, TheSkyCameraPathWrapsIntoMinusPiToPi) {
     EXPECT_NEAR(sf.camera.eye.z, 25.0f * std::sin(1.4f * t), 1e-3f);
 }
 
-TEST_F(StarfieldDraw, StarsShowAtTheirPlacesInTheirColours) {
+TEST_F(StarfieldDrawTest, StarsShowAtTheirPlacesInTheirColours) {
     Starfield sf(3);
     sf.skyOn = 0;
     orvel::Texture* white = whiteTexture();
@@ -348,7 +337,7 @@ TEST_F(StarfieldDraw, StarsShowAtTheirPlacesInTheirColours) {
     delete white;
 }
 
-TEST_F(StarfieldDraw, OverlappingStarsAddUp) {
+TEST_F(StarfieldDrawTest, OverlappingStarsAddUp) {
     Starfield sf(2);
     sf.skyOn = 0;
     orvel::Texture* white = whiteTexture();
@@ -364,7 +353,7 @@ TEST_F(StarfieldDraw, OverlappingStarsAddUp) {
     delete white;
 }
 
-TEST_F(StarfieldDraw, DrawingAFullFieldWithTheSkyAllocatesNothingOnceWarm) {
+TEST_F(StarfieldDrawTest, DrawingAFullFieldWithTheSkyAllocatesNothingOnceWarm) {
     Starfield sf(512);
     clearScreen();
     sf.draw(state);
@@ -378,7 +367,7 @@ TEST_F(StarfieldDraw, DrawingAFullFieldWithTheSkyAllocatesNothingOnceWarm) {
     EXPECT_EQ(testing_support::allocationCount(), before);
 }
 
-TEST_F(StarfieldDraw, InTheWorldSceneTheStarfieldDrawsBehindWithTheSky) {
+TEST_F(StarfieldDrawTest, InTheWorldSceneTheStarfieldDrawsBehindWithTheSky) {
     Starfield* sf = new Starfield(512);
     g_world->add(sf);
     Orvel::currentTime = 123456;

@@ -3,9 +3,9 @@
 #include "game/TextIndicator.h"
 
 #include "scene/Text.h"
-#include "tests/game/SessionFixture.h"
+#include "tests/support/GameSession.h"
 
-using namespace session_testing;
+using namespace testing_support;
 
 namespace {
 

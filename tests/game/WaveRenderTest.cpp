@@ -9,9 +9,9 @@
 #include "game/Starfield.h"
 #include "scene/Group.h"
 #include "scene/Sprite.h"
-#include "tests/game/SessionFixture.h"
+#include "tests/support/GameSession.h"
 
-using namespace session_testing;
+using namespace testing_support;
 using orvel::vec2;
 
 namespace {

@@ -9,9 +9,9 @@
 #include "scene/ParticleSlice.h"
 #include "scene/ParticleSystem.h"
 #include "scene/Text.h"
-#include "tests/game/SessionFixture.h"
+#include "tests/support/GameSession.h"
 
-using namespace session_testing;
+using namespace testing_support;
 
 namespace {
 

@@ -3,20 +3,20 @@
 
 #include "game/Laser.h"
 #include "game/Plasma.h"
-#include "tests/game/CombatFixture.h"
+#include "tests/support/GameSession.h"
 
-using namespace combat_testing;
+using namespace testing_support;
 using orvel::vec2;
 using orvel::vec3;
 
 namespace {
 
-class WeaponDraw : public CombatTest {
+class WeaponDrawTest : public SessionTest {
 protected:
-    WeaponDraw() { reloadResources = true; }
+    WeaponDrawTest() { reloadResources = true; }
 
     void SetUp() override {
-        CombatTest::SetUp();
+        SessionTest::SetUp();
         g_world->debugDraw = false;
     }
 
@@ -34,8 +34,8 @@ protected:
 
 } // namespace
 
-TEST_F(WeaponDraw, PlasmaShotSingleDrawShowsItsColour) {
-    Plasma* gun = new Plasma();
+TEST_F(WeaponDrawTest, PlasmaShotSingleDrawShowsItsColour) {
+    Plasma* gun = keep(new Plasma());
     gun->ring.overdraw = 1;
     gun->position = vec3(640, 360, 0);
     g_world->add(gun);
@@ -52,8 +52,8 @@ TEST_F(WeaponDraw, PlasmaShotSingleDrawShowsItsColour) {
     EXPECT_EQ(px.at(640, 381) & 0xffffff, 0u);
 }
 
-TEST_F(WeaponDraw, PlasmaOverdrawAddsUp) {
-    Plasma* gun = new Plasma();
+TEST_F(WeaponDrawTest, PlasmaOverdrawAddsUp) {
+    Plasma* gun = keep(new Plasma());
     gun->position = vec3(640, 360, 0);
     g_world->add(gun);
     gun->shoot(vec2(1, 0));
@@ -65,8 +65,8 @@ TEST_F(WeaponDraw, PlasmaOverdrawAddsUp) {
     EXPECT_EQ(b(c), 255);
 }
 
-TEST_F(WeaponDraw, LaserBeamBodySingleDraw) {
-    Laser* laser = new Laser();
+TEST_F(WeaponDrawTest, LaserBeamBodySingleDraw) {
+    Laser* laser = keep(new Laser());
     laser->overdraw = 0;
     laser->position = vec3(640, 360, 0);
     g_world->add(laser);
@@ -88,8 +88,8 @@ TEST_F(WeaponDraw, LaserBeamBodySingleDraw) {
     EXPECT_EQ(px.at(900, 350) & 0xffffff, 0u);
 }
 
-TEST_F(WeaponDraw, LaserBeamFiveAdditiveDraws) {
-    Laser* laser = new Laser();
+TEST_F(WeaponDrawTest, LaserBeamFiveAdditiveDraws) {
+    Laser* laser = keep(new Laser());
     laser->position = vec3(640, 360, 0);
     g_world->add(laser);
     setInput(0, 1000, 360);
@@ -103,8 +103,8 @@ TEST_F(WeaponDraw, LaserBeamFiveAdditiveDraws) {
     EXPECT_EQ(b(c), 255);
 }
 
-TEST_F(WeaponDraw, DeadBeamDrawsNothing) {
-    Laser* laser = new Laser();
+TEST_F(WeaponDrawTest, DeadBeamDrawsNothing) {
+    Laser* laser = keep(new Laser());
     laser->position = vec3(640, 360, 0);
     g_world->add(laser);
     setInput(0, 1000, 360);
@@ -116,8 +116,8 @@ TEST_F(WeaponDraw, DeadBeamDrawsNothing) {
     EXPECT_EQ(readScreen().at(640, 360) & 0xffffff, 0u);
 }
 
-TEST_F(WeaponDraw, PlasmaLeavesNoPhantomShotsAfterACornerFrame) {
-    Plasma* gun = new Plasma();
+TEST_F(WeaponDrawTest, PlasmaLeavesNoPhantomShotsAfterACornerFrame) {
+    Plasma* gun = keep(new Plasma());
     gun->ring.overdraw = 1;
     gun->position = vec3(4000, 4000, 0);
     g_world->add(gun);

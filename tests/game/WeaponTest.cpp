@@ -3,18 +3,18 @@
 #include "game/EnemyPlasma.h"
 #include "game/Laser.h"
 #include "game/Plasma.h"
-#include "tests/game/CombatFixture.h"
+#include "tests/support/GameSession.h"
 
-using namespace combat_testing;
+using namespace testing_support;
 using orvel::vec2;
 
 namespace {
 
-class WeaponGate : public CombatTest {};
+class WeaponTest : public SessionTest {};
 
 } // namespace
 
-TEST_F(WeaponGate, RateZeroNeverFires) {
+TEST_F(WeaponTest, RateZeroNeverFires) {
     Plasma p;
     p.rate = 0.0f;
     for (uint32_t t = START; t < START + 5000; t += 1000) {
@@ -25,7 +25,7 @@ TEST_F(WeaponGate, RateZeroNeverFires) {
     EXPECT_EQ(p.ring.shots[0].finish, 0u);
 }
 
-TEST_F(WeaponGate, RateMinusOneAlwaysFires) {
+TEST_F(WeaponTest, RateMinusOneAlwaysFires) {
     Plasma p;
     p.rate = -1.0f;
     EXPECT_EQ(p.shoot(vec2(1, 0)), 2.0f);
@@ -33,7 +33,7 @@ TEST_F(WeaponGate, RateMinusOneAlwaysFires) {
     EXPECT_EQ(p.lastShot, (float)START);
 }
 
-TEST_F(WeaponGate, RateFiveAllowsOneShotIn199Ms) {
+TEST_F(WeaponTest, RateFiveAllowsOneShotIn199Ms) {
     Plasma p;
     EXPECT_EQ(p.shoot(vec2(1, 0)), 2.0f);
     setTime(START + 199);
@@ -45,7 +45,7 @@ TEST_F(WeaponGate, RateFiveAllowsOneShotIn199Ms) {
     EXPECT_EQ(p.lastShot, (float)(START + 200));
 }
 
-TEST_F(WeaponGate, FirstShotWaitsAFullIntervalFromTimeZero) {
+TEST_F(WeaponTest, FirstShotWaitsAFullIntervalFromTimeZero) {
     Plasma p;
     setTime(199);
     EXPECT_EQ(p.shoot(vec2(1, 0)), 0.0f);
@@ -53,7 +53,7 @@ TEST_F(WeaponGate, FirstShotWaitsAFullIntervalFromTimeZero) {
     EXPECT_EQ(p.shoot(vec2(1, 0)), 2.0f);
 }
 
-TEST_F(WeaponGate, ConstructorNumbers) {
+TEST_F(WeaponTest, ConstructorNumbers) {
     Plasma p;
     EXPECT_EQ(p.enabled, 1);
     EXPECT_EQ(p.damageMin, 5.0f);
@@ -97,7 +97,7 @@ TEST_F(WeaponGate, ConstructorNumbers) {
     EXPECT_EQ(l.color.a, 224);
 }
 
-TEST_F(WeaponGate, EnemyPlasmaGateAtSevenTenthsPerSecond) {
+TEST_F(WeaponTest, EnemyPlasmaGateAtSevenTenthsPerSecond) {
     EnemyPlasma e;
     setTime(START);
     EXPECT_EQ(e.shoot(vec2(0, 1)), 1.0f);

@@ -12,13 +12,21 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/ResourceFiles.h"
-#include "tests/e2e/GameProcess.h"
+#include "tests/support/ResourceFiles.h"
+#include "tests/support/GameProcess.h"
 
 using e2e::GameProcess;
 using e2e::Image;
 using e2e::Surroundings;
 using testing_support::loadingLines;
+
+namespace e2e {
+
+// The launcher of the unpacked package; the surroundings link the repository's data.
+const char* const GAME_BINARY = NIGHTVECTOR_BINARY;
+const char* const DATA_ROOT = REPOSITORY_ROOT;
+
+} // namespace e2e
 
 namespace {
 
@@ -79,8 +87,7 @@ TEST(Launcher, StartsTheGameOnTheInstalledDataAndEscapeEndsItWithStatusZero) {
     GameProcess game(player.dir.path(), player.env());
     ASSERT_TRUE(game.waitForOutput("megabytes\n")) << game.output() << game.errors();
     EXPECT_EQ(game.output().rfind(loadingLines() + "Used texture memory: ", 0), 0u) << game.output();
-    game.tapKey("Escape");
-    EXPECT_EQ(game.waitForExit(), 0);
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0);
 }
 
 TEST(Launcher, ScreenshotLandsInThePlayersDirectory) {
@@ -99,8 +106,7 @@ TEST(Launcher, ScreenshotLandsInThePlayersDirectory) {
     EXPECT_EQ(shot.width, 1280);
     EXPECT_EQ(shot.height, 720);
     EXPECT_FALSE(player.dir.exists("screenshot_1.bmp"));
-    game.tapKey("Escape");
-    EXPECT_EQ(game.waitForExit(), 0);
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0);
 }
 
 TEST(Launcher, PassesTheGamesExitStatusOnWithoutADisplay) {

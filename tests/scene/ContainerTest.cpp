@@ -17,7 +17,7 @@ namespace {
 using Nodes = std::vector<Drawable*>;
 
 // A container holding a, b and c, back to front.
-struct ThreeChildren : ::testing::Test {
+struct ContainerTest : ::testing::Test {
     TestContainer c;
     TestNode a, b, d;
     void SetUp() override {
@@ -26,8 +26,6 @@ struct ThreeChildren : ::testing::Test {
         c.add(&d);
     }
 };
-
-using ContainerList = ThreeChildren;
 
 } // namespace
 
@@ -72,21 +70,21 @@ TEST(Container, AddOfAGroupToItselfIsIgnored) {
     EXPECT_EQ(g.parent, nullptr);
 }
 
-TEST_F(ContainerList, AddOfTheLastNodeAgainKeepsOrderAndCount) {
+TEST_F(ContainerTest, AddOfTheLastNodeAgainKeepsOrderAndCount) {
     c.add(&d);
     EXPECT_EQ(forwardWalk(c), (Nodes{&a, &b, &d}));
     EXPECT_EQ(backwardWalk(c), (Nodes{&d, &b, &a}));
     EXPECT_EQ(c.count, 3);
 }
 
-TEST_F(ContainerList, AddOfAnEarlierNodeMovesItToTheFront) {
+TEST_F(ContainerTest, AddOfAnEarlierNodeMovesItToTheFront) {
     c.add(&a);
     EXPECT_EQ(forwardWalk(c), (Nodes{&b, &d, &a}));
     EXPECT_EQ(backwardWalk(c), (Nodes{&a, &d, &b}));
     EXPECT_EQ(c.count, 3);
 }
 
-TEST_F(ContainerList, AddTakesANodeOutOfItsOldContainer) {
+TEST_F(ContainerTest, AddTakesANodeOutOfItsOldContainer) {
     TestContainer other;
     other.add(&b);
     EXPECT_EQ(forwardWalk(c), (Nodes{&a, &d}));
@@ -97,7 +95,7 @@ TEST_F(ContainerList, AddTakesANodeOutOfItsOldContainer) {
     EXPECT_EQ(b.next, nullptr);
 }
 
-TEST_F(ContainerList, RemoveOfTheMiddleJoinsItsNeighbours) {
+TEST_F(ContainerTest, RemoveOfTheMiddleJoinsItsNeighbours) {
     c.remove(&b);
     EXPECT_EQ(forwardWalk(c), (Nodes{&a, &d}));
     EXPECT_EQ(backwardWalk(c), (Nodes{&d, &a}));
@@ -107,7 +105,7 @@ TEST_F(ContainerList, RemoveOfTheMiddleJoinsItsNeighbours) {
     EXPECT_EQ(b.prev, nullptr);
 }
 
-TEST_F(ContainerList, RemoveOfTheEndsMovesFirstAndLast) {
+TEST_F(ContainerTest, RemoveOfTheEndsMovesFirstAndLast) {
     c.remove(&a);
     EXPECT_EQ(c.first, &b);
     EXPECT_EQ(b.prev, nullptr);
@@ -120,7 +118,7 @@ TEST_F(ContainerList, RemoveOfTheEndsMovesFirstAndLast) {
     EXPECT_EQ(c.count, 0);
 }
 
-TEST_F(ContainerList, RemoveThroughAForeignContainerOnlyClearsTheNodesLinks) {
+TEST_F(ContainerTest, RemoveThroughAForeignContainerOnlyClearsTheNodesLinks) {
     TestContainer other;
     other.remove(&b);
     EXPECT_EQ(b.parent, nullptr);
@@ -140,12 +138,12 @@ TEST_F(ContainerList, RemoveThroughAForeignContainerOnlyClearsTheNodesLinks) {
     c.clear();
 }
 
-TEST_F(ContainerList, RemoveOfNullIsIgnored) {
+TEST_F(ContainerTest, RemoveOfNullIsIgnored) {
     c.remove(nullptr);
     EXPECT_EQ(c.count, 3);
 }
 
-TEST_F(ContainerList, InsertAfterPlacesTheNodeBehindTheReference) {
+TEST_F(ContainerTest, InsertAfterPlacesTheNodeBehindTheReference) {
     TestNode x;
     c.insertAfter(&x, &a);
     EXPECT_EQ(forwardWalk(c), (Nodes{&a, &x, &b, &d}));
@@ -154,7 +152,7 @@ TEST_F(ContainerList, InsertAfterPlacesTheNodeBehindTheReference) {
     EXPECT_EQ(x.parent, &c);
 }
 
-TEST_F(ContainerList, InsertAfterTheLastNodeBecomesLast) {
+TEST_F(ContainerTest, InsertAfterTheLastNodeBecomesLast) {
     TestNode x;
     c.insertAfter(&x, &d);
     EXPECT_EQ(c.last, &x);
@@ -162,7 +160,7 @@ TEST_F(ContainerList, InsertAfterTheLastNodeBecomesLast) {
     EXPECT_EQ(backwardWalk(c), (Nodes{&x, &d, &b, &a}));
 }
 
-TEST_F(ContainerList, InsertBeforePlacesTheNodeInFrontOfTheReference) {
+TEST_F(ContainerTest, InsertBeforePlacesTheNodeInFrontOfTheReference) {
     TestNode x;
     c.insertBefore(&x, &d);
     EXPECT_EQ(forwardWalk(c), (Nodes{&a, &b, &x, &d}));
@@ -170,7 +168,7 @@ TEST_F(ContainerList, InsertBeforePlacesTheNodeInFrontOfTheReference) {
     EXPECT_EQ(c.count, 4);
 }
 
-TEST_F(ContainerList, InsertBeforeTheFirstNodeBecomesFirst) {
+TEST_F(ContainerTest, InsertBeforeTheFirstNodeBecomesFirst) {
     TestNode x;
     c.insertBefore(&x, &a);
     EXPECT_EQ(c.first, &x);
@@ -178,7 +176,7 @@ TEST_F(ContainerList, InsertBeforeTheFirstNodeBecomesFirst) {
     EXPECT_EQ(forwardWalk(c), (Nodes{&x, &a, &b, &d}));
 }
 
-TEST_F(ContainerList, InsertMovesANodeWithinTheSameContainer) {
+TEST_F(ContainerTest, InsertMovesANodeWithinTheSameContainer) {
     c.insertAfter(&b, &d);
     EXPECT_EQ(forwardWalk(c), (Nodes{&a, &d, &b}));
     EXPECT_EQ(backwardWalk(c), (Nodes{&b, &d, &a}));
@@ -189,7 +187,7 @@ TEST_F(ContainerList, InsertMovesANodeWithinTheSameContainer) {
     EXPECT_EQ(c.count, 3);
 }
 
-TEST_F(ContainerList, InsertTakesANodeOutOfItsOldContainer) {
+TEST_F(ContainerTest, InsertTakesANodeOutOfItsOldContainer) {
     TestContainer other;
     TestNode x;
     other.add(&x);
@@ -199,7 +197,7 @@ TEST_F(ContainerList, InsertTakesANodeOutOfItsOldContainer) {
     EXPECT_EQ(forwardWalk(c), (Nodes{&a, &b, &x, &d}));
 }
 
-TEST_F(ContainerList, InsertAfterAReferenceInAnotherContainerDoesNothing) {
+TEST_F(ContainerTest, InsertAfterAReferenceInAnotherContainerDoesNothing) {
     TestContainer other;
     TestNode ref;
     other.add(&ref);
@@ -213,7 +211,7 @@ TEST_F(ContainerList, InsertAfterAReferenceInAnotherContainerDoesNothing) {
     EXPECT_EQ(ref.prev, nullptr);
 }
 
-TEST_F(ContainerList, InsertWithNullArgumentsDoesNothing) {
+TEST_F(ContainerTest, InsertWithNullArgumentsDoesNothing) {
     TestNode x;
     c.insertAfter(nullptr, &a);
     c.insertAfter(&x, nullptr);
@@ -223,14 +221,14 @@ TEST_F(ContainerList, InsertWithNullArgumentsDoesNothing) {
     EXPECT_EQ(x.parent, nullptr);
 }
 
-TEST_F(ContainerList, BringToFrontMovesANodeToTheEnd) {
+TEST_F(ContainerTest, BringToFrontMovesANodeToTheEnd) {
     c.bringToFront(&a);
     EXPECT_EQ(forwardWalk(c), (Nodes{&b, &d, &a}));
     EXPECT_EQ(backwardWalk(c), (Nodes{&a, &d, &b}));
     EXPECT_EQ(c.count, 3);
 }
 
-TEST_F(ContainerList, BringToFrontOfTheLastNodeDropsItFromTheForwardWalk) {
+TEST_F(ContainerTest, BringToFrontOfTheLastNodeDropsItFromTheForwardWalk) {
     c.bringToFront(&d);
     EXPECT_EQ(b.next, nullptr);
     EXPECT_EQ(d.prev, &d);
@@ -254,7 +252,7 @@ TEST(Container, BringToFrontOfASoleChildLeavesFirstNull) {
     c.clear();
 }
 
-TEST_F(ContainerList, BringToFrontOfAForeignNodeDoesNothing) {
+TEST_F(ContainerTest, BringToFrontOfAForeignNodeDoesNothing) {
     TestContainer other;
     TestNode x;
     other.add(&x);
@@ -267,14 +265,14 @@ TEST_F(ContainerList, BringToFrontOfAForeignNodeDoesNothing) {
     EXPECT_EQ(other.first, &x);
 }
 
-TEST_F(ContainerList, SendToBackMovesANodeToTheStart) {
+TEST_F(ContainerTest, SendToBackMovesANodeToTheStart) {
     c.sendToBack(&d);
     EXPECT_EQ(forwardWalk(c), (Nodes{&d, &a, &b}));
     EXPECT_EQ(backwardWalk(c), (Nodes{&b, &a, &d}));
     EXPECT_EQ(c.count, 3);
 }
 
-TEST_F(ContainerList, SendToBackOfTheFirstNodeDropsItFromTheBackwardWalk) {
+TEST_F(ContainerTest, SendToBackOfTheFirstNodeDropsItFromTheBackwardWalk) {
     c.sendToBack(&a);
     EXPECT_EQ(a.next, &a);
     EXPECT_EQ(a.prev, nullptr);
@@ -285,7 +283,7 @@ TEST_F(ContainerList, SendToBackOfTheFirstNodeDropsItFromTheBackwardWalk) {
     c.clear();
 }
 
-TEST_F(ContainerList, ClearUnlinksEveryChild) {
+TEST_F(ContainerTest, ClearUnlinksEveryChild) {
     c.clear();
     EXPECT_EQ(c.first, nullptr);
     EXPECT_EQ(c.last, nullptr);

@@ -4,6 +4,7 @@
 #include "engine/ShaderProgram.h"
 #include "scene/Group.h"
 #include "scene/Scene2D.h"
+#include "tests/scene/ColourDraw.h"
 #include "tests/scene/VisualsFixture.h"
 
 using orvel::vec3;
@@ -18,26 +19,16 @@ public:
         ++draws;
         seenPosition = state.position;
         static GLfloat vertices[8] = {0, 0, 10, 0, 10, 10, 0, 10};
-        static GLubyte colors[16];
-        for (int i = 0; i < 16; i += 4) {
-            colors[i + 0] = state.color.r;
-            colors[i + 1] = state.color.g;
-            colors[i + 2] = state.color.b;
-            colors[i + 3] = state.color.a;
-        }
-        Shaders::color_shader_fixed->bind();
         glEnableClientState(GL_VERTEX_ARRAY);
         glEnableClientState(GL_COLOR_ARRAY);
-        glVertexPointer(2, GL_FLOAT, 0, vertices);
-        glColorPointer(4, GL_UNSIGNED_BYTE, 0, colors);
-        glDrawArrays(GL_QUADS, 0, 4);
+        scene_test::drawInColour(GL_QUADS, vertices, 4, state.color);
     }
 
     int draws = 0;
     vec3 seenPosition;
 };
 
-class EffectGL : public VisualsTest {
+class EffectTest : public VisualsTest {
 protected:
     void SetUp() override {
         VisualsTest::SetUp();
@@ -71,7 +62,7 @@ TEST(Effect, UpdateSizeOnlyClearsTheDirtyBit) {
     EXPECT_EQ(e.size.y, 7.0f);
 }
 
-TEST_F(EffectGL, DrawsInItsParentsSpaceIgnoringItsOwnTransform) {
+TEST_F(EffectTest, DrawsInItsParentsSpaceIgnoringItsOwnTransform) {
     Group* group = new Group();
     group->position = vec3(100, 50, 0);
     SquareEffect* e = new SquareEffect();
@@ -97,7 +88,7 @@ TEST_F(EffectGL, DrawsInItsParentsSpaceIgnoringItsOwnTransform) {
     delete group;
 }
 
-TEST_F(EffectGL, FollowsARotatedParent) {
+TEST_F(EffectTest, FollowsARotatedParent) {
     Group* group = new Group();
     group->position = vec3(100, 100, 0);
     group->setRotation(90);
@@ -116,7 +107,7 @@ TEST_F(EffectGL, FollowsARotatedParent) {
     delete group;
 }
 
-TEST_F(EffectGL, IsNeverCulled) {
+TEST_F(EffectTest, IsNeverCulled) {
     SquareEffect* e = new SquareEffect();
     // Far outside the view with a box of its own: a sprite there would be culled.
     e->position = vec3(5000, 5000, 0);
@@ -130,7 +121,7 @@ TEST_F(EffectGL, IsNeverCulled) {
     delete e;
 }
 
-TEST_F(EffectGL, GetsTheCombinedSceneColour) {
+TEST_F(EffectTest, GetsTheCombinedSceneColour) {
     SquareEffect* e = new SquareEffect();
     // ((node + 1) * 255) >> 8 per channel: 0, 128 and 255.
     e->setBlendColor(pack(0, 128, 255, 255));

@@ -14,7 +14,7 @@ using testing_support::VisualsTest;
 
 namespace {
 
-class FaderGL : public VisualsTest {
+class FaderTest : public VisualsTest {
 protected:
     void SetUp() override {
         VisualsTest::SetUp();
@@ -99,13 +99,13 @@ TEST(Fader, DoneOnlyOnceTimeIsPastTheEnd) {
     EXPECT_TRUE(f.done());
 }
 
-TEST_F(FaderGL, NewFaderDrawsNothing) {
+TEST_F(FaderTest, NewFaderDrawsNothing) {
     EXPECT_EQ(rgb(drawAt(0)), 0u);
     EXPECT_EQ(rgb(drawAt(16)), 0u);
     EXPECT_EQ(rgb(drawAt(70000)), 0u);
 }
 
-TEST_F(FaderGL, FadeOutHalfwayCoversHalf) {
+TEST_F(FaderTest, FadeOutHalfwayCoversHalf) {
     Orvel::currentTime = 2000;
     fader.fadeOut(1000);
     uint32_t pixel = drawAt(2500);
@@ -114,7 +114,7 @@ TEST_F(FaderGL, FadeOutHalfwayCoversHalf) {
     EXPECT_TRUE(nearRgb(pixel, 128, 64, 32, 1));
 }
 
-TEST_F(FaderGL, FadeOutEasesInSlowly) {
+TEST_F(FaderTest, FadeOutEasesInSlowly) {
     Orvel::currentTime = 2000;
     fader.fadeOut(1000);
     uint32_t pixel = drawAt(2250);
@@ -123,7 +123,7 @@ TEST_F(FaderGL, FadeOutEasesInSlowly) {
     EXPECT_TRUE(nearRgb(pixel, 37, 19, 9, 1));
 }
 
-TEST_F(FaderGL, FadeInFollowsTheCurveDown) {
+TEST_F(FaderTest, FadeInFollowsTheCurveDown) {
     Orvel::currentTime = 2000;
     fader.fadeIn(1000);
     uint32_t pixel = drawAt(2250);
@@ -132,21 +132,21 @@ TEST_F(FaderGL, FadeInFollowsTheCurveDown) {
     EXPECT_TRUE(nearRgb(pixel, 218, 109, 54, 1));
 }
 
-TEST_F(FaderGL, FadeInStartsFullyCovered) {
+TEST_F(FaderTest, FadeInStartsFullyCovered) {
     Orvel::currentTime = 2000;
     fader.fadeIn(400);
     EXPECT_TRUE(nearRgb(drawAt(2000), 255, 128, 64, 1));
     EXPECT_EQ(fader.current, 1.0f);
 }
 
-TEST_F(FaderGL, FadeOutStartsClearAndDrawsNothing) {
+TEST_F(FaderTest, FadeOutStartsClearAndDrawsNothing) {
     Orvel::currentTime = 2000;
     fader.fadeOut(400);
     EXPECT_EQ(rgb(drawAt(2000)), 0u);
     EXPECT_EQ(fader.current, 0.0f);
 }
 
-TEST_F(FaderGL, FinishedFadeOutKeepsCoveringEveryFrame) {
+TEST_F(FaderTest, FinishedFadeOutKeepsCoveringEveryFrame) {
     Orvel::currentTime = 2000;
     fader.fadeOut(1000);
     // Exactly at the end the curve gives 1; past it, each frame draws the full cover again.
@@ -157,7 +157,7 @@ TEST_F(FaderGL, FinishedFadeOutKeepsCoveringEveryFrame) {
     EXPECT_EQ(fader.current, 1.0f);
 }
 
-TEST_F(FaderGL, FinishedFadeInDrawsNothing) {
+TEST_F(FaderTest, FinishedFadeInDrawsNothing) {
     Orvel::currentTime = 2000;
     fader.fadeIn(500);
     drawAt(2250);
@@ -167,14 +167,14 @@ TEST_F(FaderGL, FinishedFadeInDrawsNothing) {
     EXPECT_EQ(rgb(drawAt(2600)), 0u);
 }
 
-TEST_F(FaderGL, FourthColourValueIsNotUsed) {
+TEST_F(FaderTest, FourthColourValueIsNotUsed) {
     fader.color = vec4(0.0f, 1.0f, 0.0f, 0.0f);
     Orvel::currentTime = 2000;
     fader.fadeOut(100);
     EXPECT_TRUE(nearRgb(drawAt(2200), 0, 255, 0, 0));
 }
 
-TEST_F(FaderGL, CoversTheWholeWindowWhateverMatricesWereLoaded) {
+TEST_F(FaderTest, CoversTheWholeWindowWhateverMatricesWereLoaded) {
     glMatrixMode(GL_PROJECTION);
     glLoadIdentity();
     glOrtho(0, 10, 0, 10, -1, 1);
@@ -192,7 +192,7 @@ TEST_F(FaderGL, CoversTheWholeWindowWhateverMatricesWereLoaded) {
     EXPECT_TRUE(blockIs(p, 0, 0, WIDTH, HEIGHT, pack(255, 255, 255)));
 }
 
-TEST_F(FaderGL, NewFadeRestartsFromItsOwnStartOpacity) {
+TEST_F(FaderTest, NewFadeRestartsFromItsOwnStartOpacity) {
     Orvel::currentTime = 2000;
     fader.fadeOut(1000);
     drawAt(2500);
@@ -204,7 +204,7 @@ TEST_F(FaderGL, NewFadeRestartsFromItsOwnStartOpacity) {
     EXPECT_EQ(fader.current, 1.0f);
 }
 
-TEST_F(FaderGL, TwoDrawsInOneFrameGiveTheSameOpacity) {
+TEST_F(FaderTest, TwoDrawsInOneFrameGiveTheSameOpacity) {
     Orvel::currentTime = 2000;
     fader.fadeOut(1000);
     Orvel::currentTime = 2750;
@@ -215,7 +215,7 @@ TEST_F(FaderGL, TwoDrawsInOneFrameGiveTheSameOpacity) {
     EXPECT_NEAR(first, 0.8535534f, 1e-5f);
 }
 
-TEST_F(FaderGL, DrawsTheSameWithoutTheShaderSet) {
+TEST_F(FaderTest, DrawsTheSameWithoutTheShaderSet) {
     // Without the shader set the fixed pipeline draws the same colour.
     orvel::ShaderProgram* shader = Shaders::color_shader_fixed;
     Shaders::color_shader_fixed = nullptr;

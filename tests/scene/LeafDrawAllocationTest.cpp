@@ -15,7 +15,8 @@
 #include "scene/Scene2D.h"
 #include "scene/Sprite.h"
 #include "scene/Text.h"
-#include "tests/AllocationCounter.h"
+#include "tests/support/AllocationCounter.h"
+#include "tests/scene/ColourDraw.h"
 #include "tests/scene/VisualsFixture.h"
 
 using orvel::Orvel;
@@ -30,21 +31,11 @@ class LinesEffect : public Effect {
 public:
     void draw(SceneState& state) override {
         static GLfloat vertices[8] = {0, 0, 50, 0, 0, 0, 0, 50};
-        static GLubyte colors[16];
-        for (int i = 0; i < 16; i += 4) {
-            colors[i + 0] = state.color.r;
-            colors[i + 1] = state.color.g;
-            colors[i + 2] = state.color.b;
-            colors[i + 3] = state.color.a;
-        }
-        Shaders::color_shader_fixed->bind();
-        glVertexPointer(2, GL_FLOAT, 0, vertices);
-        glColorPointer(4, GL_UNSIGNED_BYTE, 0, colors);
-        glDrawArrays(GL_LINES, 0, 4);
+        scene_test::drawInColour(GL_LINES, vertices, 4, state.color);
     }
 };
 
-class LeafDrawGL : public VisualsTest {
+class LeafDrawAllocationTest : public VisualsTest {
 protected:
     void SetUp() override {
         VisualsTest::SetUp();
@@ -104,6 +95,18 @@ protected:
         Orvel::currentTime += 16;
     }
 
+    // Heap allocations made by five more animated frames of `root`, each with `faderDraws` draws
+    // of `fader`.
+    template <typename Root> std::size_t allocationsOfFiveFrames(Root& root, Fader& fader, int faderDraws) {
+        std::size_t before = allocationCount();
+        for (int frame = 1; frame <= 5; ++frame) {
+            animate(frame);
+            root.draw();
+            for (int i = 0; i < faderDraws; ++i) fader.draw();
+        }
+        return allocationCount() - before;
+    }
+
     orvel::Texture* texture = nullptr;
     orvel::Font* font = nullptr;
     std::vector<Drawable*> nodes;
@@ -112,7 +115,7 @@ protected:
 
 } // namespace
 
-TEST_F(LeafDrawGL, HudFrameAllocatesNothingAfterWarmUp) {
+TEST_F(LeafDrawAllocationTest, HudFrameAllocatesNothingAfterWarmUp) {
     DirectScene2D* root = makeRoot();
     populate(*root);
     Fader fader;
@@ -124,18 +127,11 @@ TEST_F(LeafDrawGL, HudFrameAllocatesNothingAfterWarmUp) {
     drawFrame(*root);
     fader.draw();
 
-    std::size_t before = allocationCount();
-    for (int frame = 1; frame <= 5; ++frame) {
-        animate(frame);
-        root->draw();
-        fader.draw();
-        fader.draw();
-    }
-    EXPECT_EQ(allocationCount() - before, 0u);
+    EXPECT_EQ(allocationsOfFiveFrames(*root, fader, 2), 0u);
     delete root;
 }
 
-TEST_F(LeafDrawGL, WorldFrameAllocatesNothingAfterWarmUp) {
+TEST_F(LeafDrawAllocationTest, WorldFrameAllocatesNothingAfterWarmUp) {
     Scene2D* root = new Scene2D(-1, -1);
     root->debugDraw = false;
     populate(*root);
@@ -147,12 +143,6 @@ TEST_F(LeafDrawGL, WorldFrameAllocatesNothingAfterWarmUp) {
     root->draw();
     fader.draw();
 
-    std::size_t before = allocationCount();
-    for (int frame = 1; frame <= 5; ++frame) {
-        animate(frame);
-        root->draw();
-        fader.draw();
-    }
-    EXPECT_EQ(allocationCount() - before, 0u);
+    EXPECT_EQ(allocationsOfFiveFrames(*root, fader, 1), 0u);
     delete root;
 }

@@ -19,8 +19,8 @@
 #include "scene/ParticleSystem.h"
 #include "scene/Scene2D.h"
 #include "scene/Shaders.h"
-#include "tests/AllocationCounter.h"
-#include "tests/GLFixture.h"
+#include "tests/support/AllocationCounter.h"
+#include "tests/support/GLFixture.h"
 
 using orvel::Orvel;
 using orvel::Stack;
@@ -145,7 +145,7 @@ protected:
 
 } // namespace
 
-TEST(ParticleSliceVertex, Is32BytesWithColourAfterTheTextureCoordinates) {
+TEST(ParticleSlice, Is32BytesWithColourAfterTheTextureCoordinates) {
     EXPECT_EQ(sizeof(ParticleSlice::Vertex), 32u);
     EXPECT_EQ(offsetof(ParticleSlice::Vertex, x), 0u);
     EXPECT_EQ(offsetof(ParticleSlice::Vertex, y), 4u);
@@ -155,7 +155,7 @@ TEST(ParticleSliceVertex, Is32BytesWithColourAfterTheTextureCoordinates) {
     EXPECT_EQ(offsetof(ParticleSlice::Vertex, a), 19u);
 }
 
-TEST(ParticleSliceNode, IsAVisibleEffectNodeWithTheSystemsDrawMode) {
+TEST(ParticleSlice, IsAVisibleEffectNodeWithTheSystemsDrawMode) {
     ParticleSystem ps(4);
     ps.drawMode = BlendColor;
     ParticleSlice* s = ps.createSlice(false, false);
@@ -165,7 +165,7 @@ TEST(ParticleSliceNode, IsAVisibleEffectNodeWithTheSystemsDrawMode) {
     delete s;
 }
 
-TEST(ParticleSliceSize, EmptySliceHasSizeZeroAndStaysDirty) {
+TEST(ParticleSlice, EmptySliceHasSizeZeroAndStaysDirty) {
     ParticleSystem ps(4);
     ParticleSlice* s = ps.defaultSlice;
     s->size = orvel::vec3(5, 6, 7);
@@ -177,7 +177,7 @@ TEST(ParticleSliceSize, EmptySliceHasSizeZeroAndStaysDirty) {
     EXPECT_NE(s->flags & Drawable::DIRTY, 0u);
 }
 
-TEST(ParticleSliceSize, BoxCoversStartAndEndPointsWithHotSpotAtMinusHalf) {
+TEST(ParticleSlice, BoxCoversStartAndEndPointsWithHotSpotAtMinusHalf) {
     ParticleSystem ps(4);
     ParticleSlice* s = ps.defaultSlice;
     Orvel::currentTime = 0;

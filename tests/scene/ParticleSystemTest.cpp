@@ -69,7 +69,7 @@ protected:
 
 } // namespace
 
-TEST(ParticleSystemRandom, StartsSeededWithD34DB33F) {
+TEST(ParticleSystem, StartsSeededWithD34DB33F) {
     Random fresh(SEED);
     EXPECT_EQ(g_randomAtStart.intCursor, 0);
     EXPECT_EQ(g_randomAtStart.floatCursor, 0);

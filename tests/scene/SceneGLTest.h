@@ -12,7 +12,8 @@
 #include "scene/Drawable.h"
 #include "scene/Scene2D.h"
 #include "scene/Shaders.h"
-#include "tests/GLFixture.h"
+#include "tests/scene/ColourDraw.h"
+#include "tests/support/GLFixture.h"
 
 namespace scene_test {
 
@@ -74,11 +75,7 @@ private:
         float x0 = hotSpot.x - size.x / 2, x1 = hotSpot.x + size.x / 2;
         float y0 = hotSpot.y - size.y / 2, y1 = hotSpot.y + size.y / 2;
         const float vertices[8] = {x0, y0, x1, y0, x1, y1, x0, y1};
-        const Color4ub colors[4] = {s.color, s.color, s.color, s.color};
-        Shaders::color_shader_fixed->bind();
-        glVertexPointer(2, GL_FLOAT, 0, vertices);
-        glColorPointer(4, GL_UNSIGNED_BYTE, 0, colors);
-        glDrawArrays(GL_QUADS, 0, 4);
+        drawInColour(GL_QUADS, vertices, 4, s.color);
     }
 };
 

@@ -14,8 +14,9 @@
 #include "scene/Group.h"
 #include "scene/Scene2D.h"
 #include "scene/Shaders.h"
-#include "tests/AllocationCounter.h"
+#include "tests/support/AllocationCounter.h"
 #include "tests/scene/SceneGLTest.h"
+#include "tests/support/MathChecks.h"
 
 using orvel::mat2;
 using orvel::mat4;
@@ -25,14 +26,9 @@ using scene_test::g_drawLog;
 using scene_test::RecordingEffect;
 using scene_test::RecordingNode;
 using scene_test::rgb;
+using testing_support::expectMat2Near;
 
 namespace {
-
-void expectMat2(const mat2& m, float m0, float m1, float m2, float m3, float m4, float m5) {
-    const float expected[6] = {m0, m1, m2, m3, m4, m5};
-    for (int i = 0; i < 6; ++i)
-        EXPECT_NEAR(m.m[i], expected[i], 1e-3f) << "element " << i;
-}
 
 void expectColor(const Color4ub& c, int r, int g, int b, int a) {
     EXPECT_EQ(c.r, r);
@@ -126,7 +122,7 @@ TYPED_TEST(SceneRender, ALeafIsDrawnWithTheViewTimesItsOwnTransform) {
     ASSERT_EQ(leaf.drawCount, 1);
     // View: scale 2, then translate by (-300, -200): [2, 0, 0, 2, -600, -400]; the leaf's
     // translation by (310, 200) adds (620, 400).
-    expectMat2(leaf.state.transform2D, 2, 0, 0, 2, 20, 0);
+    expectMat2Near(leaf.state.transform2D, 2, 0, 0, 2, 20, 0);
     // A 2D leaf keeps the root's 3D transform: the view widened, moved by (0, 0, 2).
     EXPECT_FLOAT_EQ(leaf.state.transform3D.m[0], 2);
     EXPECT_FLOAT_EQ(leaf.state.transform3D.m[12], -600);
@@ -150,7 +146,7 @@ TYPED_TEST(SceneRender, ALeafInsideAGroupComposesBothTransforms) {
     // View [1, 0, 0, 1, -640, -360]; the group moves by (600, 300), turns by 90 degrees
     // (x axis to (0, -1), y axis to (1, 0)) and doubles: [0, -2, 2, 0, -40, -60]. The leaf's
     // (10, 0) lands at (-40, -60) + 10 * (0, -2).
-    expectMat2(leaf.state.transform2D, 0, -2, 2, 0, -40, -80);
+    expectMat2Near(leaf.state.transform2D, 0, -2, 2, 0, -40, -80);
 }
 
 TYPED_TEST(SceneRender, ColoursMultiplyDownTheTree) {
@@ -215,7 +211,7 @@ TYPED_TEST(SceneRender, ASiblingAfterAGroupWhoseLastChildIsAGroupGetsThatGroupsS
     // A's colour under white: ((128 + 1) * 255) >> 8 = 128; B multiplies it by (255 + 1) >> 8.
     expectColor(b.state.color, 128, 255, 255, 255);
     // View (-640, -360), A's (100, 50), B's (300, 200).
-    expectMat2(b.state.transform2D, 1, 0, 0, 1, -240, -110);
+    expectMat2Near(b.state.transform2D, 1, 0, 0, 1, -240, -110);
 
     // B's box shows at (400, 250) in A's colour, not at (300, 200).
     auto p = this->readScreen();
@@ -235,7 +231,7 @@ TYPED_TEST(SceneRender, ASiblingAfterAGroupOfLeavesGetsItsParentsState) {
     this->root->draw();
     ASSERT_EQ(b.drawCount, 1);
     expectColor(b.state.color, 255, 255, 255, 255);
-    expectMat2(b.state.transform2D, 1, 0, 0, 1, -340, -160);
+    expectMat2Near(b.state.transform2D, 1, 0, 0, 1, -340, -160);
 }
 
 // ---- Visibility and transparency ----
@@ -362,7 +358,7 @@ TYPED_TEST(SceneRender, EffectNodesAreNeverCulled) {
     this->root->add(&effect);
     this->root->draw();
     ASSERT_EQ(effect.drawCount, 1);
-    expectMat2(effect.state.transform2D, 1, 0, 0, 1, -640, -360);
+    expectMat2Near(effect.state.transform2D, 1, 0, 0, 1, -640, -360);
     EXPECT_FLOAT_EQ(effect.state.position.x, 9000);
     EXPECT_FLOAT_EQ(effect.state.position.y, -9000);
 }
@@ -379,7 +375,7 @@ TYPED_TEST(SceneRender, EffectNodesDrawInTheirParentsSpace) {
     this->root->draw();
     ASSERT_EQ(effect.drawCount, 1);
     // The group's transform: view (-640, -360) plus (600, 300); nothing of the effect's own.
-    expectMat2(effect.state.transform2D, 1, 0, 0, 1, -40, -60);
+    expectMat2Near(effect.state.transform2D, 1, 0, 0, 1, -40, -60);
     EXPECT_FLOAT_EQ(effect.state.position.x, 5);
     EXPECT_FLOAT_EQ(effect.state.position.y, 5);
 }
@@ -635,7 +631,7 @@ TYPED_TEST(SceneRender, ANodeBeyondTheTopLeftCornerIsDrawnOnceShiftedByTheWorld)
     EXPECT_FLOAT_EQ(node.state.position.x, -96);
     EXPECT_FLOAT_EQ(node.state.position.y, -96);
     // View: -(100, 100); so (-196, -196) from the centre of the screen.
-    expectMat2(node.state.transform2D, 1, 0, 0, 1, -196, -196);
+    expectMat2Near(node.state.transform2D, 1, 0, 0, 1, -196, -196);
 }
 
 TYPED_TEST(SceneRender, TheFirstRectangleHoldingACornerWins) {

@@ -7,17 +7,13 @@
 #include "scene/Scene2D.h"
 #include "scene/Shaders.h"
 #include "tests/scene/SceneGLTest.h"
+#include "tests/support/MathChecks.h"
 
 using orvel::mat2;
 using orvel::vec2;
+using testing_support::expectMat2Near;
 
 namespace {
-
-void expectMat2(const mat2& m, float m0, float m1, float m2, float m3, float m4, float m5) {
-    const float expected[6] = {m0, m1, m2, m3, m4, m5};
-    for (int i = 0; i < 6; ++i)
-        EXPECT_NEAR(m.m[i], expected[i], 1e-3f) << "element " << i;
-}
 
 void expectVec2(const vec2& v, float x, float y) {
     EXPECT_NEAR(v.x, x, 1e-3f);
@@ -121,21 +117,21 @@ TYPED_TEST(SceneRoot, WorldToScreenMatrixWrapsTheCameraAndScalesLast) {
     TypeParam* root = this->gameWorld(vec2(5000, -100), 2, 0);
     // Camera wrapped to (904, 3996). Screen centre, then the camera moved to the origin, then
     // scaled: p -> 2 p + (640 - 904, 360 - 3996).
-    expectMat2(root->worldToScreenMatrix(), 2, 0, 0, 2, -264, -3636);
+    expectMat2Near(root->worldToScreenMatrix(), 2, 0, 0, 2, -264, -3636);
     delete root;
 }
 
 TYPED_TEST(SceneRoot, ScreenToWorldMatrixUndoesTheZoom) {
     TypeParam* root = this->gameWorld(vec2(5000, -100), 2, 0);
     // p -> 0.5 (p - (640, 360)) + (904, 3996).
-    expectMat2(root->screenToWorldMatrix(), 0.5f, 0, 0, 0.5f, 584, 3816);
+    expectMat2Near(root->screenToWorldMatrix(), 0.5f, 0, 0, 0.5f, 584, 3816);
     expectVec2(root->screenToWorld(vec2(640, 360)), 904, 3996);
     delete root;
 }
 
 TYPED_TEST(SceneRoot, ScreenToWorldMatrixAtZoomZeroCollapsesToTheCamera) {
     TypeParam* root = this->gameWorld(vec2(5000, -100), 0, 0);
-    expectMat2(root->screenToWorldMatrix(), 0, 0, 0, 0, 904, 3996);
+    expectMat2Near(root->screenToWorldMatrix(), 0, 0, 0, 0, 904, 3996);
     delete root;
 }
 
@@ -152,7 +148,7 @@ TYPED_TEST(SceneRoot, WorldToScreenTurnsTheOtherWayFromItsMatrix) {
     TypeParam* root = this->gameWorld(vec2(100, 200), 1, 90);
     // The matrix turns by -90 degrees: [0, 1, -1, 0, 640, 360], then moves by (-100, -200).
     mat2 m = root->worldToScreenMatrix();
-    expectMat2(m, 0, 1, -1, 0, 840, 260);
+    expectMat2Near(m, 0, 1, -1, 0, 840, 260);
     expectVec2(m * vec2(110, 200), 640, 370);
     // worldToScreen turns by +90 degrees: [0, -1, 1, 0, 640, 360], moved: (440, 460).
     expectVec2(root->worldToScreen(vec2(110, 200)), 640, 350);

@@ -9,7 +9,7 @@
 #include "engine/ShaderProgram.h"
 #include "scene/DirectScene2D.h"
 #include "scene/Scene2D.h"
-#include "tests/AllocationCounter.h"
+#include "tests/support/AllocationCounter.h"
 #include "tests/scene/VisualsFixture.h"
 
 using orvel::ShaderProgram;
@@ -58,7 +58,7 @@ std::string attachedSource(unsigned program, GLenum type) {
     return "";
 }
 
-class ShadersGL : public VisualsTest {
+class ShadersTest : public VisualsTest {
 protected:
     void SetUp() override {
         VisualsTest::SetUp();
@@ -68,7 +68,7 @@ protected:
 
 } // namespace
 
-TEST_F(ShadersGL, InitLoadsSevenLinkedPrograms) {
+TEST_F(ShadersTest, InitLoadsSevenLinkedPrograms) {
     Shaders::init();
     for (const Named& p : PROGRAMS) {
         ASSERT_NE(*p.program, nullptr) << p.name;
@@ -79,7 +79,7 @@ TEST_F(ShadersGL, InitLoadsSevenLinkedPrograms) {
     EXPECT_TRUE(Shaders::wasInit);
 }
 
-TEST_F(ShadersGL, EachProgramIsBuiltFromItsOwnFilesUnderShaders) {
+TEST_F(ShadersTest, EachProgramIsBuiltFromItsOwnFilesUnderShaders) {
     Shaders::init();
     for (const Named& p : PROGRAMS) {
         std::string base = std::string("shaders/") + p.name;
@@ -88,7 +88,7 @@ TEST_F(ShadersGL, EachProgramIsBuiltFromItsOwnFilesUnderShaders) {
     }
 }
 
-TEST_F(ShadersGL, ProgramsAreSevenDistinctObjects) {
+TEST_F(ShadersTest, ProgramsAreSevenDistinctObjects) {
     Shaders::init();
     for (int i = 0; i < 7; ++i)
         for (int j = i + 1; j < 7; ++j) {
@@ -97,7 +97,7 @@ TEST_F(ShadersGL, ProgramsAreSevenDistinctObjects) {
         }
 }
 
-TEST_F(ShadersGL, SecondInitChangesNothing) {
+TEST_F(ShadersTest, SecondInitChangesNothing) {
     Shaders::init();
     ShaderProgram* first[7];
     for (int i = 0; i < 7; ++i) first[i] = *PROGRAMS[i].program;
@@ -108,7 +108,7 @@ TEST_F(ShadersGL, SecondInitChangesNothing) {
     for (int i = 0; i < 7; ++i) EXPECT_EQ(*PROGRAMS[i].program, first[i]) << PROGRAMS[i].name;
 }
 
-TEST_F(ShadersGL, BothSceneRootsShareOneLoad) {
+TEST_F(ShadersTest, BothSceneRootsShareOneLoad) {
     DirectScene2D hud(-1, -1);
     ShaderProgram* first[7];
     for (int i = 0; i < 7; ++i) {
@@ -120,7 +120,7 @@ TEST_F(ShadersGL, BothSceneRootsShareOneLoad) {
     for (int i = 0; i < 7; ++i) EXPECT_EQ(*PROGRAMS[i].program, first[i]) << PROGRAMS[i].name;
 }
 
-TEST_F(ShadersGL, ColorFixedOutputsTheVertexColour) {
+TEST_F(ShadersTest, ColorFixedOutputsTheVertexColour) {
     Shaders::init();
     pixelProjection();
     Shaders::color_shader_fixed->bind();
@@ -130,7 +130,7 @@ TEST_F(ShadersGL, ColorFixedOutputsTheVertexColour) {
     EXPECT_EQ(rgb(readScreen().at(15, 15)), rgb(pack(30, 140, 220)));
 }
 
-TEST_F(ShadersGL, TextureFixedMultipliesTexelByVertexColour) {
+TEST_F(ShadersTest, TextureFixedMultipliesTexelByVertexColour) {
     Shaders::init();
     orvel::Texture* texture = makeTexture(8, 8, [](int, int) { return pack(200, 100, 40); });
     pixelProjection();

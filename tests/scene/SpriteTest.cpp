@@ -13,7 +13,7 @@ namespace {
 // Cell (column, row) of a 4 x 2 sheet of 16 x 16 cells: one solid colour each.
 uint32_t cellColor(int column, int row) { return orvel::Color::getColor(30 + 60 * column, 50 + 150 * row, 120, 255); }
 
-class SpriteGL : public VisualsTest {
+class SpriteTest : public VisualsTest {
 protected:
     void SetUp() override {
         VisualsTest::SetUp();
@@ -48,7 +48,7 @@ protected:
 
 } // namespace
 
-TEST_F(SpriteGL, ConstructorGivesAWholeStillImageCentredOnItsPosition) {
+TEST_F(SpriteTest, ConstructorGivesAWholeStillImageCentredOnItsPosition) {
     Sprite s(white, 30, 20);
     EXPECT_EQ(s.texture, white);
     EXPECT_EQ(s.glowTexture, nullptr);
@@ -63,13 +63,13 @@ TEST_F(SpriteGL, ConstructorGivesAWholeStillImageCentredOnItsPosition) {
     EXPECT_TRUE(s.isVisible());
 }
 
-TEST_F(SpriteGL, KeepsTheGlowTexture) {
+TEST_F(SpriteTest, KeepsTheGlowTexture) {
     Sprite s(white, sheet, 10, 10);
     EXPECT_EQ(s.texture, white);
     EXPECT_EQ(s.glowTexture, sheet);
 }
 
-TEST_F(SpriteGL, MinusOneTakesTheImageSizeWithoutPadding) {
+TEST_F(SpriteTest, MinusOneTakesTheImageSizeWithoutPadding) {
     Texture* t = makeTexture(100, 60, [](int, int) { return pack(255, 255, 255); });
     ASSERT_EQ(t->width, 128);
     ASSERT_EQ(t->height, 64);
@@ -81,7 +81,7 @@ TEST_F(SpriteGL, MinusOneTakesTheImageSizeWithoutPadding) {
     delete t;
 }
 
-TEST_F(SpriteGL, OnlyExactlyMinusOneMeansTheImageSize) {
+TEST_F(SpriteTest, OnlyExactlyMinusOneMeansTheImageSize) {
     Texture* t = makeTexture(100, 60, [](int, int) { return pack(255, 255, 255); });
     Sprite a(t, -1, 30);
     EXPECT_EQ(a.size.x, 100.0f);
@@ -92,7 +92,7 @@ TEST_F(SpriteGL, OnlyExactlyMinusOneMeansTheImageSize) {
     delete t;
 }
 
-TEST_F(SpriteGL, InitStartsOverAsAVisibleStillImage) {
+TEST_F(SpriteTest, InitStartsOverAsAVisibleStillImage) {
     Sprite s(sheet, 16, 16);
     s.animated = true;
     s.framesX = 4;
@@ -111,7 +111,7 @@ TEST_F(SpriteGL, InitStartsOverAsAVisibleStillImage) {
     EXPECT_TRUE(s.isVisible());
 }
 
-TEST_F(SpriteGL, PaddedImageDrawsOnlyItsImageArea) {
+TEST_F(SpriteTest, PaddedImageDrawsOnlyItsImageArea) {
     // Texel (x, y) of the 100 x 60 image is (2x, 4y, 90); the padding is transparent black.
     Texture* t = makeTexture(100, 60, [](int x, int y) { return pack(2 * x, 4 * y, 90); });
     Sprite* s = new Sprite(t, -1, -1);
@@ -132,14 +132,14 @@ TEST_F(SpriteGL, PaddedImageDrawsOnlyItsImageArea) {
     delete t;
 }
 
-TEST_F(SpriteGL, SheetOfFourByTwoShowsColumnOneRowOneForFrameFive) {
+TEST_F(SpriteTest, SheetOfFourByTwoShowsColumnOneRowOneForFrameFive) {
     Sprite* s = sheetSprite(5);
     drawFrame(*root);
     EXPECT_TRUE(blockIs(readScreen(), 92, 92, 16, 16, cellColor(1, 1)));
     delete s;
 }
 
-TEST_F(SpriteGL, SheetFramesRunRowMajorFromTheTopLeft) {
+TEST_F(SpriteTest, SheetFramesRunRowMajorFromTheTopLeft) {
     const int frames[4] = {0, 3, 4, 7};
     const int columns[4] = {0, 3, 0, 3};
     const int rows[4] = {0, 0, 1, 1};
@@ -152,7 +152,7 @@ TEST_F(SpriteGL, SheetFramesRunRowMajorFromTheTopLeft) {
     delete s;
 }
 
-TEST_F(SpriteGL, FramePastTheSheetWrapsBackToTheTopRow) {
+TEST_F(SpriteTest, FramePastTheSheetWrapsBackToTheTopRow) {
     // Frame 9 of 4 x 2 is column 1, row 2: below the image, which repeats from its top.
     Sprite* s = sheetSprite(9);
     drawFrame(*root);
@@ -160,7 +160,7 @@ TEST_F(SpriteGL, FramePastTheSheetWrapsBackToTheTopRow) {
     delete s;
 }
 
-TEST_F(SpriteGL, SheetIsIgnoredWhenNotAnimated) {
+TEST_F(SpriteTest, SheetIsIgnoredWhenNotAnimated) {
     Sprite* s = sheetSprite(5);
     s->animated = false;
     s->setSize(64, 32);
@@ -173,7 +173,7 @@ TEST_F(SpriteGL, SheetIsIgnoredWhenNotAnimated) {
     delete s;
 }
 
-TEST_F(SpriteGL, NullTextureDrawsNothing) {
+TEST_F(SpriteTest, NullTextureDrawsNothing) {
     Sprite* s = new Sprite(nullptr, 40, 40);
     s->position = orvel::vec3(100, 100, 0);
     root->add(s);
@@ -182,7 +182,7 @@ TEST_F(SpriteGL, NullTextureDrawsNothing) {
     delete s;
 }
 
-TEST_F(SpriteGL, TexelsAreMultipliedByTheSceneColour) {
+TEST_F(SpriteTest, TexelsAreMultipliedByTheSceneColour) {
     Sprite* s = new Sprite(white, 10, 10);
     s->position = orvel::vec3(50, 50, 0);
     // Scene colour per channel: ((node + 1) * 255) >> 8 gives 255, 128 and 0.
@@ -193,7 +193,7 @@ TEST_F(SpriteGL, TexelsAreMultipliedByTheSceneColour) {
     delete s;
 }
 
-TEST_F(SpriteGL, HotSpotShiftsTheQuadAgainstThePosition) {
+TEST_F(SpriteTest, HotSpotShiftsTheQuadAgainstThePosition) {
     Sprite* s = new Sprite(white, 16, 16);
     s->setHotSpot(TopLeft); // (8, 8): the position is the top-left corner
     s->position = orvel::vec3(40, 60, 0);
@@ -206,7 +206,7 @@ TEST_F(SpriteGL, HotSpotShiftsTheQuadAgainstThePosition) {
     delete s;
 }
 
-TEST_F(SpriteGL, DrawsInTheCurrentModelViewWithCullingAndDepthTestOff) {
+TEST_F(SpriteTest, DrawsInTheCurrentModelViewWithCullingAndDepthTestOff) {
     pixelProjection();
     glTranslatef(30, 40, 0);
     glEnable(GL_DEPTH_TEST);

@@ -25,7 +25,7 @@ Surface* cellFontImage(int w, int h) {
 // The colour of character code c in cellFontImage: column c % 16, row c / 16.
 uint32_t glyphColor(int c) { return Color::getColor(c % 16 * 16 + 8, c / 16 * 16 + 8, 200, 255); }
 
-class TextGL : public VisualsTest {
+class TextTest : public VisualsTest {
 protected:
     void SetUp() override {
         VisualsTest::SetUp();
@@ -115,7 +115,7 @@ TEST(Text, FontWithoutImageHasNoSize) {
     EXPECT_EQ(t.size.y, 0.0f);
 }
 
-TEST_F(TextGL, DrawsGlyphCellsFromItsTopLeftCorner) {
+TEST_F(TextTest, DrawsGlyphCellsFromItsTopLeftCorner) {
     Text* t = new Text(font, "AB");
     t->position = orvel::vec3(20, 30, 0);
     root->add(t);
@@ -131,7 +131,7 @@ TEST_F(TextGL, DrawsGlyphCellsFromItsTopLeftCorner) {
     delete t;
 }
 
-TEST_F(TextGL, CentredHotSpotCentresTheText) {
+TEST_F(TextTest, CentredHotSpotCentresTheText) {
     Text* t = new Text(font, "AB");
     t->setHotSpot(Center);
     t->position = orvel::vec3(100, 100, 0);
@@ -145,7 +145,7 @@ TEST_F(TextGL, CentredHotSpotCentresTheText) {
     delete t;
 }
 
-TEST_F(TextGL, UsesItsOwnColourAndNotTheScenes) {
+TEST_F(TextTest, UsesItsOwnColourAndNotTheScenes) {
     Text* t = new Text(font, "A");
     t->position = orvel::vec3(20, 30, 0);
     t->color = orvel::vec4(1.0f, 0.5f, 0.0f, 1.0f);
@@ -159,7 +159,7 @@ TEST_F(TextGL, UsesItsOwnColourAndNotTheScenes) {
     delete t;
 }
 
-TEST_F(TextGL, ChangedFontSizeShowsAtTheNextDrawAroundTheOldHotSpot) {
+TEST_F(TextTest, ChangedFontSizeShowsAtTheNextDrawAroundTheOldHotSpot) {
     Text* t = new Text(font, "AB"); // hot spot (16, 8) from the 32 x 16 box
     t->position = orvel::vec3(100, 100, 0);
     t->fontSize = 32;
@@ -178,7 +178,7 @@ TEST_F(TextGL, ChangedFontSizeShowsAtTheNextDrawAroundTheOldHotSpot) {
     delete t;
 }
 
-TEST_F(TextGL, ShorterTextKeepsTheOldHotSpotAndShiftsRight) {
+TEST_F(TextTest, ShorterTextKeepsTheOldHotSpotAndShiftsRight) {
     Text* t = new Text(font, "AB"); // hot spot (16, 8) from the 32 x 16 box
     t->position = orvel::vec3(20, 30, 0);
     root->add(t);
@@ -194,7 +194,7 @@ TEST_F(TextGL, ShorterTextKeepsTheOldHotSpotAndShiftsRight) {
     delete t;
 }
 
-TEST_F(TextGL, TextSetBeforeTheHotSpotIsDrawnFromThatCorner) {
+TEST_F(TextTest, TextSetBeforeTheHotSpotIsDrawnFromThatCorner) {
     Text* t = new Text(font, "AB");
     t->setText("C");
     t->setHotSpot(TopLeft);
@@ -208,7 +208,7 @@ TEST_F(TextGL, TextSetBeforeTheHotSpotIsDrawnFromThatCorner) {
     delete t;
 }
 
-TEST_F(TextGL, FontWithoutImageDrawsNothing) {
+TEST_F(TextTest, FontWithoutImageDrawsNothing) {
     Font empty(nullptr);
     Text* t = new Text(&empty, "AB");
     t->position = orvel::vec3(20, 30, 0);
@@ -218,7 +218,7 @@ TEST_F(TextGL, FontWithoutImageDrawsNothing) {
     delete t;
 }
 
-TEST_F(TextGL, LeavesTheColourArrayOnForTheNextLeaf) {
+TEST_F(TextTest, LeavesTheColourArrayOnForTheNextLeaf) {
     pixelProjection();
     glEnableClientState(GL_COLOR_ARRAY);
     Text t(font, "A");

@@ -13,7 +13,7 @@
 #include "engine/Texture.h"
 #include "scene/DirectScene2D.h"
 #include "scene/Shaders.h"
-#include "tests/GLFixture.h"
+#include "tests/support/GLFixture.h"
 
 namespace testing_support {
 

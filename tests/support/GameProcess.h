@@ -3,9 +3,15 @@
 // files there, driven through the X server like a player would.
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace e2e {
+
+// The program GameProcess starts, and the repository whose gfx/, sfx/ and shaders/ Surroundings
+// links; each test program defines both.
+extern const char* const GAME_BINARY;
+extern const char* const DATA_ROOT;
 
 // A working directory for one run: gfx/, sfx/ and shaders/ linked from the repository unless
 // left out, removed again when the object goes.
@@ -19,6 +25,8 @@ public:
     const std::string& path() const { return dir; }
     // Links the repository's folder `name` into the directory.
     void linkFolder(const std::string& name);
+    // Links gfx/, sfx/ and shaders/: everything the game reads.
+    void linkData();
     // A real folder `name` holding links to every file of the repository's folder except `skip`.
     void linkFolderExcept(const std::string& name, const std::string& skip);
     // Writes `bytes` to the relative path `file`.
@@ -28,6 +36,8 @@ public:
 private:
     std::string dir;
 };
+
+struct Image;
 
 class GameProcess {
 public:
@@ -48,6 +58,9 @@ public:
 
     // Holds a key (xdotool key name) down long enough for several frames to see it, then lets go.
     void tapKey(const std::string& key);
+    // Holds `key` for half a second. The game samples the keyboard once a frame, so a shorter
+    // press can fall between two frames when one of them runs long.
+    void holdKey(const std::string& key);
     void pressKey(const std::string& key);
     void releaseKey(const std::string& key);
     void pressButton(int button);
@@ -58,6 +71,10 @@ public:
     unsigned long window();
     // Takes a screenshot with F1 and waits for the file `name` to be complete.
     bool screenshot(const std::string& name, int timeoutMs = 20000);
+    // The same, then reads the file into `image`; false when either step failed.
+    bool screenshot(const std::string& name, Image& image);
+    // Taps Escape, which ends the game from any screen, and returns waitForExit()'s status.
+    int escapeAndWaitForExit();
 
 private:
     std::string dir;
@@ -69,9 +86,16 @@ private:
 
 // A BMP read back as packed 0xRRGGBB pixels, top row first.
 struct Image {
+    // The colour the game clears its screen to.
+    static constexpr unsigned BACKGROUND = 0x000000;
+
     int width = 0, height = 0;
     std::vector<unsigned> pixels;
     unsigned at(int x, int y) const { return pixels[(size_t)y * width + x]; }
+    // Columns of non-background pixels in rows [y0, y1): first and last, or -1 when none.
+    std::pair<int, int> inkColumns(int y0, int y1) const;
+    // Whether any pixel of the rectangle [x0, x1) x [y0, y1) differs from the background.
+    bool hasInk(int x0, int y0, int x1, int y1) const;
 };
 bool loadBmp(const std::string& path, Image& image);
 

@@ -11,6 +11,11 @@
 
 namespace testing_support {
 
+// Packed colour as glReadPixels gives it: red in the low byte.
+constexpr uint32_t rgba(uint32_t r, uint32_t g, uint32_t b, uint32_t a) {
+    return r | g << 8 | b << 16 | a << 24;
+}
+
 // The engine window, windowed, without vertical sync; closed again after each test.
 class GLTest : public ::testing::Test {
 protected:

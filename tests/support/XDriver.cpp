@@ -1,4 +1,4 @@
-#include "tests/engine/XDriver.h"
+#include "tests/support/XDriver.h"
 
 #include <cstdlib>
 #include <cstring>

@@ -1,8 +1,14 @@
-#include "tests/AllocationCounter.h"
+#include "tests/support/AllocationCounter.h"
 
 #include <atomic>
 #include <cstdlib>
 #include <new>
+
+// Named on the link line so that the linker takes this file out of the test helpers' library into
+// every program that links it; nothing calls the replaced operator new by name.
+extern "C" {
+int nightvectorCountAllocations = 0;
+}
 
 namespace {
 

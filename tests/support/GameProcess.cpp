@@ -1,4 +1,4 @@
-#include "tests/e2e/GameProcess.h"
+#include "tests/support/GameProcess.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -14,7 +14,7 @@
 
 #include <SDL/SDL.h>
 
-#include "tests/engine/XDriver.h"
+#include "tests/support/XDriver.h"
 
 namespace e2e {
 
@@ -46,11 +46,11 @@ Surroundings::~Surroundings() {
 }
 
 void Surroundings::linkFolder(const std::string& name) {
-    symlink((std::string(REPOSITORY_ROOT) + "/" + name).c_str(), (dir + "/" + name).c_str());
+    symlink((std::string(DATA_ROOT) + "/" + name).c_str(), (dir + "/" + name).c_str());
 }
 
 void Surroundings::linkFolderExcept(const std::string& name, const std::string& skip) {
-    std::string from = std::string(REPOSITORY_ROOT) + "/" + name;
+    std::string from = std::string(DATA_ROOT) + "/" + name;
     mkdir((dir + "/" + name).c_str(), 0755);
     if (DIR* d = opendir(from.c_str())) {
         while (dirent* entry = readdir(d)) {
@@ -65,6 +65,12 @@ void Surroundings::linkFolderExcept(const std::string& name, const std::string& 
 void Surroundings::writeFile(const std::string& file, const std::string& bytes) {
     std::ofstream out(dir + "/" + file, std::ios::binary);
     out << bytes;
+}
+
+void Surroundings::linkData() {
+    linkFolder("gfx");
+    linkFolder("sfx");
+    linkFolder("shaders");
 }
 
 bool Surroundings::exists(const std::string& file) const { return access((dir + "/" + file).c_str(), F_OK) == 0; }
@@ -87,7 +93,7 @@ GameProcess::GameProcess(const std::string& workingDir, const std::vector<std::s
         int err = open("stderr.txt", O_WRONLY | O_CREAT | O_TRUNC, 0644);
         dup2(out, 1);
         dup2(err, 2);
-        execl(NIGHTVECTOR_BINARY, NIGHTVECTOR_BINARY, (char*)nullptr);
+        execl(GAME_BINARY, GAME_BINARY, (char*)nullptr);
         _exit(127);
     }
 }
@@ -135,6 +141,21 @@ int GameProcess::waitForExit(int timeoutMs) {
         pause(20);
     }
     return -1;
+}
+
+bool GameProcess::screenshot(const std::string& name, Image& image) {
+    return screenshot(name) && loadBmp(dir + "/" + name, image);
+}
+
+int GameProcess::escapeAndWaitForExit() {
+    tapKey("Escape");
+    return waitForExit();
+}
+
+void GameProcess::holdKey(const std::string& key) {
+    pressKey(key);
+    pause(500);
+    releaseKey(key);
 }
 
 void GameProcess::pressKey(const std::string& key) { xdriver::xdotool("keydown " + key); }
@@ -190,6 +211,24 @@ bool loadBmp(const std::string& path, Image& image) {
         }
     SDL_FreeSurface(bmp);
     return true;
+}
+
+std::pair<int, int> Image::inkColumns(int y0, int y1) const {
+    int first = -1, last = -1;
+    for (int y = y0; y < y1; ++y)
+        for (int x = 0; x < width; ++x)
+            if (at(x, y) != BACKGROUND) {
+                if (first < 0 || x < first) first = x;
+                if (x > last) last = x;
+            }
+    return {first, last};
+}
+
+bool Image::hasInk(int x0, int y0, int x1, int y1) const {
+    for (int y = y0; y < y1; ++y)
+        for (int x = x0; x < x1; ++x)
+            if (at(x, y) != BACKGROUND) return true;
+    return false;
 }
 
 } // namespace e2e

@@ -1,0 +1,203 @@
+#include "tests/support/GameSession.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <utility>
+#include <vector>
+
+#include "engine/Random.h"
+#include "game/EnergyGauges.h"
+#include "game/HUDRadarBox.h"
+#include "game/HUDScoreBox.h"
+#include "game/HUDWeaponBox.h"
+#include "game/Player.h"
+#include "game/Powerup.h"
+#include "game/RadarDisplay.h"
+#include "game/Resources.h"
+#include "game/Reticle.h"
+#include "game/ScoreCounter.h"
+#include "game/Starfield.h"
+#include "scene/DirectScene2D.h"
+#include "scene/Fader.h"
+#include "scene/Group.h"
+#include "scene/ParticleSlice.h"
+#include "scene/ParticleSystem.h"
+#include "scene/Scene2D.h"
+#include "scene/Shaders.h"
+#include "scene/Text.h"
+
+namespace testing_support {
+
+namespace {
+
+// What GameSceneTest::keep took, in order.
+std::vector<std::function<void()>> keptDeletions;
+
+// Deletes the entries of `list` from the last; an entry whose destructor does not take it off
+// the list is taken off here.
+template <typename T> void deleteAll(orvel::Stack<T*>& list) {
+    while (list.count > 0) {
+        T* last = list.data[list.count - 1];
+        delete last;
+        if (list.count > 0 && list.data[list.count - 1] == last) list.pop();
+    }
+}
+
+} // namespace
+
+void deleteSession() {
+    Game* game = g_game;
+    if (!game) return;
+    // Game::end deletes the score counter without taking it off the actors or out of its box.
+    if (!game->scoreCounter && game->scoreBox) {
+        game->removeActor(game->scoreBox->counter);
+        game->scoreBox->counter = nullptr;
+    }
+    // A score counter without its box.
+    if (game->scoreCounter && !game->scoreBox) {
+        game->removeActor(game->scoreCounter);
+        delete game->scoreCounter;
+    }
+    // The boxes delete their counters, taking them off the actors; the radar and the gauges sit
+    // inside the boxes, which do not delete their children.
+    delete game->scoreBox;
+    delete game->weaponBox;
+    delete game->radarBox;
+    delete game->radarDisplay;
+    delete game->energyGauges;
+    delete game->reticle;
+    // The player is off the lists while it waits to respawn and after the game is over.
+    delete game->player;
+    // Enemies, the player and powerups take themselves off every list; slices and emitters of
+    // their weapons go back to the particle systems, so those stay until the end.
+    deleteAll(game->actors);
+    deleteAll(game->enemies);
+    deleteAll(game->friends);
+    deleteAll(game->powerups);
+    delete game->explosionSlice;
+    delete game->particles;
+    delete game->explosionParticles;
+    delete game->starfield;
+    delete game->gameOverText;
+    g_game = nullptr;
+    delete game;
+}
+
+void GameSceneTest::SetUp() {
+    openWindow(SCREEN_WIDTH, SCREEN_HEIGHT);
+    Shaders::wasInit = false;
+    if (!Resources::font_medium || reloadResources) {
+        testing::internal::CaptureStdout();
+        Resources::load();
+        testing::internal::GetCapturedStdout();
+    }
+    g_world = new Scene2D(-1, -1);
+    g_world->worldWidth = WORLD;
+    g_world->worldHeight = WORLD;
+    g_hud = new DirectScene2D(-1, -1);
+}
+
+void GameSceneTest::keepDeleting(std::function<void()> deletion) { keptDeletions.push_back(std::move(deletion)); }
+
+void GameSceneTest::TearDown() {
+    while (!keptDeletions.empty()) {
+        keptDeletions.back()();
+        keptDeletions.pop_back();
+    }
+    deleteSession();
+    delete g_fader;
+    g_fader = nullptr;
+    delete g_hud;
+    g_hud = nullptr;
+    delete g_world;
+    g_world = nullptr;
+    GLTest::TearDown();
+}
+
+void HudScene::SetUp() {
+    GameSceneTest::SetUp();
+    g_world->debugDraw = false;
+    g_hud->debugDraw = false;
+    g_game = nullptr;
+    orvel::Orvel::currentTime = 0;
+}
+
+void HudScene::setMouse(int x, int y) {
+    orvel::Orvel::events->mouseLiveX = x;
+    orvel::Orvel::events->mouseLiveY = y;
+    orvel::Orvel::events->update();
+}
+
+void HudScene::drawHud() {
+    glClearColor(0, 0, 0, 0);
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
+    g_hud->draw();
+}
+
+void HudScene::savePictureIfAsked(const Pixels& p, const char* variable) {
+    const char* path = std::getenv(variable);
+    if (!path) return;
+    FILE* f = std::fopen(path, "wb");
+    if (!f) return;
+    std::fprintf(f, "P6\n%d %d\n255\n", p.width, p.height);
+    for (int y = 0; y < p.height; ++y) {
+        for (int x = 0; x < p.width; ++x) {
+            uint32_t c = p.at(x, y);
+            unsigned char rgb[3] = {red(c), green(c), blue(c)};
+            std::fwrite(rgb, 1, 3, f);
+        }
+    }
+    std::fclose(f);
+}
+
+void StarfieldScene::SetUp() {
+    HudScene::SetUp();
+    projection = orvel::mat4::createOrthoMatrix(-640, 640, -360, 360, -10, 10);
+    state.projection2D = &projection;
+    state.projection3D = &projection;
+    state.color = Color4ub{255, 255, 255, 255};
+    state.viewRects = nullptr;
+}
+
+void SessionTest::SetUp() {
+    GameSceneTest::SetUp();
+    g_fader = new Fader();
+    g_rand.init(1234);
+    ParticleSystem::random.init((int)0xd34db33f);
+    setTime(START);
+    orvel::Orvel::sync = FRAME;
+    setInput(0, 0, 0);
+    g_game = new Game();
+}
+
+void SessionTest::setInput(uint32_t buttons, int mouseX, int mouseY, int key, int key2) {
+    orvel::Orvel::GEvent* e = orvel::Orvel::events;
+    for (uint32_t& w : e->keysLive) w = 0;
+    if (key >= 0) e->keysLive[key / 32] |= 1u << (key % 32);
+    if (key2 >= 0) e->keysLive[key2 / 32] |= 1u << (key2 % 32);
+    e->buttonsLive = buttons;
+    e->mouseLiveX = mouseX;
+    e->mouseLiveY = mouseY;
+    e->update();
+}
+
+void SessionTest::plantInts(std::initializer_list<int> values) {
+    int i = g_rand.intCursor;
+    for (int v : values) g_rand.intTable[(i++) & 0xffff] = v;
+}
+
+void SessionTest::plantFloats(std::initializer_list<float> values) {
+    g_rand.intCursor = 30000;
+    g_rand.floatCursor = 100;
+    int i = g_rand.floatCursor;
+    for (float v : values) g_rand.floatTable[i++] = v;
+}
+
+DummyEnemy* SessionTest::addDummyInWorld(float x, float y, float radius) {
+    DummyEnemy* e = addEnemy<DummyEnemy>(x, y, radius);
+    e->drawable = keep(new Group());
+    g_world->add(e->drawable);
+    return e;
+}
+
+} // namespace testing_support
