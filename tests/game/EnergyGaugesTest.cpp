@@ -26,9 +26,7 @@ protected:
 
     void SetUp() override {
         HudScene::SetUp();
-        box = keep(new HUD_WeaponBox());
-        box->position = orvel::vec3(100, 670, 0);
-        g_hud->add(box);
+        box = addToHud<HUD_WeaponBox>(100, 670);
         gauges = keep(new EnergyGauges());
         gauges->followsGame = false;
         gauges->maxEnergy = 350;

@@ -26,9 +26,7 @@ protected:
 
     void SetUp() override {
         HudScene::SetUp();
-        box = keep(new HUD_RadarBox());
-        box->position = orvel::vec3(1150, 590, 0);
-        g_hud->add(box);
+        box = addToHud<HUD_RadarBox>(1150, 590);
         radar = keep(new RadarDisplay());
         radar->followsGame = false;
         radar->centre = vec2(100, 100);

@@ -73,6 +73,23 @@ protected:
         return new orvel::Texture(&s);
     }
 
+    // The stars of `sf` alone, drawn with a white star texture over black.
+    Pixels drawStarsOnly(Starfield& sf) {
+        sf.skyOn = 0;
+        orvel::Texture* white = keep(whiteTexture());
+        sf.starTexture = white;
+        clearScreen();
+        sf.draw(state);
+        return readScreen();
+    }
+
+    // The packed pixel's red, green and blue, each within 1 of the expected value.
+    static void expectRgbNear(uint32_t c, int r, int g, int b) {
+        EXPECT_NEAR(red(c), r, 1);
+        EXPECT_NEAR(green(c), g, 1);
+        EXPECT_NEAR(blue(c), b, 1);
+    }
+
     static void clearScreen() {
         glClearColor(0, 0, 0, 0);
         glClear(GL_COLOR_BUFFER_BIT);
@@ -305,28 +322,17 @@ TEST_F(StarfieldDrawTest, TheSkyCameraPathWrapsIntoMinusPiToPi) {
 
 TEST_F(StarfieldDrawTest, StarsShowAtTheirPlacesInTheirColours) {
     Starfield sf(3);
-    sf.skyOn = 0;
-    orvel::Texture* white = whiteTexture();
-    sf.starTexture = white;
     // Star 0: full brightness, 16 x 7.5 pixels around (100, 80).
     sf.stars[0] = Starfield::Star{100, 80, 1, {200, 180, 240, 255}, 1.0f, 0.5f};
     // Star 1: half brightness, alpha byte 127, around (600, 400).
     sf.stars[1] = Starfield::Star{600, 400, 10, {250, 170, 210, 255}, 0.5f, 0.7f};
     // Star 2: far off screen in the margin.
     sf.stars[2] = Starfield::Star{-40, -40, 5, {255, 255, 255, 255}, 1.0f, 0.2f};
-    clearScreen();
-    sf.draw(state);
-    Pixels p = readScreen();
+    Pixels p = drawStarsOnly(sf);
 
-    uint32_t c0 = p.at(100, 80);
-    EXPECT_NEAR(red(c0), 200, 1);
-    EXPECT_NEAR(green(c0), 180, 1);
-    EXPECT_NEAR(blue(c0), 240, 1);
+    expectRgbNear(p.at(100, 80), 200, 180, 240);
     // Additive with alpha 127 / 255 over black.
-    uint32_t c1 = p.at(600, 400);
-    EXPECT_NEAR(red(c1), 250 * 127 / 255, 1);
-    EXPECT_NEAR(green(c1), 170 * 127 / 255, 1);
-    EXPECT_NEAR(blue(c1), 210 * 127 / 255, 1);
+    expectRgbNear(p.at(600, 400), 250 * 127 / 255, 170 * 127 / 255, 210 * 127 / 255);
     // Star 0's quad spans x 92..108 and y 76.25..83.75.
     EXPECT_EQ(p.at(90, 80) & 0xffffffu, 0u);
     EXPECT_EQ(p.at(110, 80) & 0xffffffu, 0u);
@@ -334,23 +340,13 @@ TEST_F(StarfieldDrawTest, StarsShowAtTheirPlacesInTheirColours) {
     EXPECT_EQ(p.at(100, 85) & 0xffffffu, 0u);
     EXPECT_NE(p.at(93, 77) & 0xffffffu, 0u);
     EXPECT_NE(p.at(107, 83) & 0xffffffu, 0u);
-    delete white;
 }
 
 TEST_F(StarfieldDrawTest, OverlappingStarsAddUp) {
     Starfield sf(2);
-    sf.skyOn = 0;
-    orvel::Texture* white = whiteTexture();
-    sf.starTexture = white;
     sf.stars[0] = Starfield::Star{300, 300, 1, {100, 50, 20, 255}, 1.0f, 0.5f};
     sf.stars[1] = Starfield::Star{300, 300, 1, {60, 40, 30, 255}, 1.0f, 0.5f};
-    clearScreen();
-    sf.draw(state);
-    uint32_t c = readScreen().at(300, 300);
-    EXPECT_NEAR(red(c), 160, 1);
-    EXPECT_NEAR(green(c), 90, 1);
-    EXPECT_NEAR(blue(c), 50, 1);
-    delete white;
+    expectRgbNear(drawStarsOnly(sf).at(300, 300), 160, 90, 50);
 }
 
 TEST_F(StarfieldDrawTest, DrawingAFullFieldWithTheSkyAllocatesNothingOnceWarm) {

@@ -26,6 +26,43 @@ protected:
         g_world->draw();
     }
 
+    // A plasma gun in the world at (x, y) that has fired one shot to the right, drawn `overdraw`
+    // times per matrix.
+    Plasma* plasmaFiredAt(float x, float y, unsigned overdraw) {
+        Plasma* gun = keep(new Plasma());
+        gun->ring.overdraw = overdraw;
+        gun->position = vec3(x, y, 0);
+        g_world->add(gun);
+        gun->shoot(vec2(1, 0));
+        return gun;
+    }
+
+    // A laser in the world at the screen's centre, drawn overdraw + 1 times, whose one beam aims
+    // at the pointer on (1000, 360).
+    Laser* laserFired(unsigned overdraw) {
+        Laser* laser = keep(new Laser());
+        laser->overdraw = overdraw;
+        laser->position = vec3(640, 360, 0);
+        g_world->add(laser);
+        setInput(0, 1000, 360);
+        laser->shoot(vec2(0, 0));
+        laser->update();
+        return laser;
+    }
+
+    // The packed pixel's red, green and blue, each within 1 of the expected value.
+    static void expectRgbNear(uint32_t c, double red, double green, double blue) {
+        EXPECT_NEAR(r(c), red, 1);
+        EXPECT_NEAR(g(c), green, 1);
+        EXPECT_NEAR(b(c), blue, 1);
+    }
+    // The packed pixel is saturated white.
+    static void expectWhite(uint32_t c) {
+        EXPECT_EQ(r(c), 255);
+        EXPECT_EQ(g(c), 255);
+        EXPECT_EQ(b(c), 255);
+    }
+
     // Red, green and blue of a packed pixel.
     static int r(uint32_t c) { return (int)(c & 0xff); }
     static int g(uint32_t c) { return (int)((c >> 8) & 0xff); }
@@ -35,44 +72,25 @@ protected:
 } // namespace
 
 TEST_F(WeaponDrawTest, PlasmaShotSingleDrawShowsItsColour) {
-    Plasma* gun = keep(new Plasma());
-    gun->ring.overdraw = 1;
-    gun->position = vec3(640, 360, 0);
-    g_world->add(gun);
-    gun->shoot(vec2(1, 0));
+    plasmaFiredAt(640, 360, 1);
     render();
     Pixels px = readScreen();
     // The bullet image is opaque white in its middle: one additive draw of (128, 113, 255).
-    const uint32_t c = px.at(640, 360);
-    EXPECT_NEAR(r(c), 128, 1);
-    EXPECT_NEAR(g(c), 113, 1);
-    EXPECT_NEAR(b(c), 255, 1);
+    expectRgbNear(px.at(640, 360), 128, 113, 255);
     // The square's half side is 16: nothing 20 pixels away.
     EXPECT_EQ(px.at(661, 360) & 0xffffff, 0u);
     EXPECT_EQ(px.at(640, 381) & 0xffffff, 0u);
 }
 
 TEST_F(WeaponDrawTest, PlasmaOverdrawAddsUp) {
-    Plasma* gun = keep(new Plasma());
-    gun->position = vec3(640, 360, 0);
-    g_world->add(gun);
-    gun->shoot(vec2(1, 0));
+    plasmaFiredAt(640, 360, 3);
     render();
     // Three additive draws: 384, 339 and 765 saturate to white.
-    const uint32_t c = readScreen().at(640, 360);
-    EXPECT_EQ(r(c), 255);
-    EXPECT_EQ(g(c), 255);
-    EXPECT_EQ(b(c), 255);
+    expectWhite(readScreen().at(640, 360));
 }
 
 TEST_F(WeaponDrawTest, LaserBeamBodySingleDraw) {
-    Laser* laser = keep(new Laser());
-    laser->overdraw = 0;
-    laser->position = vec3(640, 360, 0);
-    g_world->add(laser);
-    setInput(0, 1000, 360);
-    laser->shoot(vec2(0, 0));
-    laser->update();
+    laserFired(0);
     render();
     Pixels px = readScreen();
     // Beam from (640, 360) to (1920, 360), 7 to each side; at x = 900 only the body covers the
@@ -80,36 +98,20 @@ TEST_F(WeaponDrawTest, LaserBeamBodySingleDraw) {
     // so one draw adds (76, 76, 255) x a with a = 224 / 255 into the world's target, whose alpha
     // becomes a x a. The copy to the screen blends by that alpha: (76, 76, 255) x a^3, with
     // a^3 = 0.6778, gives (51.5, 51.5, 172.8).
-    const uint32_t c = px.at(900, 360);
-    EXPECT_NEAR(r(c), 51.5, 1);
-    EXPECT_NEAR(g(c), 51.5, 1);
-    EXPECT_NEAR(b(c), 172.8, 1);
+    expectRgbNear(px.at(900, 360), 51.5, 51.5, 172.8);
     EXPECT_EQ(px.at(900, 370) & 0xffffff, 0u);
     EXPECT_EQ(px.at(900, 350) & 0xffffff, 0u);
 }
 
 TEST_F(WeaponDrawTest, LaserBeamFiveAdditiveDraws) {
-    Laser* laser = keep(new Laser());
-    laser->position = vec3(640, 360, 0);
-    g_world->add(laser);
-    setInput(0, 1000, 360);
-    laser->shoot(vec2(0, 0));
-    laser->update();
+    laserFired(4);
     render();
     // overdraw + 1 = 5 draws: 334 and 1120 saturate.
-    const uint32_t c = readScreen().at(900, 360);
-    EXPECT_EQ(r(c), 255);
-    EXPECT_EQ(g(c), 255);
-    EXPECT_EQ(b(c), 255);
+    expectWhite(readScreen().at(900, 360));
 }
 
 TEST_F(WeaponDrawTest, DeadBeamDrawsNothing) {
-    Laser* laser = keep(new Laser());
-    laser->position = vec3(640, 360, 0);
-    g_world->add(laser);
-    setInput(0, 1000, 360);
-    laser->shoot(vec2(0, 0));
-    laser->update();
+    laserFired(4);
     setTime(START + 650);
     render();
     EXPECT_EQ(readScreen().at(900, 360) & 0xffffff, 0u);
@@ -117,11 +119,7 @@ TEST_F(WeaponDrawTest, DeadBeamDrawsNothing) {
 }
 
 TEST_F(WeaponDrawTest, PlasmaLeavesNoPhantomShotsAfterACornerFrame) {
-    Plasma* gun = keep(new Plasma());
-    gun->ring.overdraw = 1;
-    gun->position = vec3(4000, 4000, 0);
-    g_world->add(gun);
-    gun->shoot(vec2(1, 0));
+    plasmaFiredAt(4000, 4000, 1);
     orvel::Orvel::sync = 0.0f;
 
     // Near the world's corner the shot at (4000, 4000) shows through the corner rectangle,

@@ -88,6 +88,13 @@ protected:
     static void setMouse(int x, int y);
     // Clears the screen and draws the HUD scene alone.
     static void drawHud();
+    // A new T on the HUD with its position at (x, y); the tear-down deletes it.
+    template <typename T> static T* addToHud(float x, float y) {
+        T* node = keep(new T());
+        node->position = orvel::vec3(x, y, 0);
+        g_hud->add(node);
+        return node;
+    }
 
     static uint8_t red(uint32_t c) { return (uint8_t)(c & 0xff); }
     static uint8_t green(uint32_t c) { return (uint8_t)((c >> 8) & 0xff); }
