@@ -52,9 +52,10 @@ test: test-deps
 
 # Every program of ours built with AddressSanitizer and UndefinedBehaviorSanitizer in a build
 # directory of its own; runs every test program but the end-to-end ones, and beside them the
-# two-minute input storm against the sanitized game (label e2e-storm, run once). Any report ends the program that made it with status 23, so the
-# test fails. Leaks inside system libraries are suppressed in tests/sanitize/lsan.supp. The Python
-# data checks run no code of ours and are left out.
+# two-minute input storm against the sanitized game (label e2e-storm, run once). Any report ends
+# the program that made it with status 23, so the test fails. Leaks inside system libraries are
+# suppressed in tests/sanitize/lsan.supp. The Python data checks run no code of ours and are left
+# out.
 SANITIZE_ENV := \
 	ASAN_OPTIONS=halt_on_error=1:exitcode=23:print_stacktrace=1:detect_leaks=1:strict_string_checks=1:detect_stack_use_after_return=1 \
 	UBSAN_OPTIONS=halt_on_error=1:exitcode=23:print_stacktrace=1 \
