@@ -5,6 +5,7 @@
 #include "scene/Group.h"
 #include "scene/Scene2D.h"
 #include "tests/scene/ColourDraw.h"
+#include "tests/scene/TestNodes.h"
 #include "tests/scene/VisualsFixture.h"
 
 using orvel::vec3;
@@ -54,12 +55,7 @@ TEST(Effect, ConstructorMarksAVisibleEffectNode) {
 
 TEST(Effect, UpdateSizeOnlyClearsTheDirtyBit) {
     SquareEffect e;
-    e.setSize(5, 7);
-    e.markDirty();
-    e.updateSize();
-    EXPECT_EQ(e.flags, 0x103u);
-    EXPECT_EQ(e.size.x, 5.0f);
-    EXPECT_EQ(e.size.y, 7.0f);
+    scene_test::expectUpdateSizeOnlyClearsTheDirtyBit(e, 5, 7, 0x103u);
 }
 
 TEST_F(EffectTest, DrawsInItsParentsSpaceIgnoringItsOwnTransform) {

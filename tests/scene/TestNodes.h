@@ -2,6 +2,7 @@
 // Plain scene nodes for tests that need no display: a leaf, a container, list walkers, and the
 // checks every kind of container shares.
 
+#include <cstdint>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -51,6 +52,17 @@ inline void expectDeletingUnlinksBoth(Container* parent, Drawable& a, Drawable& 
     EXPECT_EQ(a.next, nullptr);
     EXPECT_EQ(b.parent, nullptr);
     EXPECT_EQ(b.prev, nullptr);
+}
+
+// Gives `n` a size of w x h, marks it dirty and updates its size: the dirty bit goes, leaving
+// `cleanFlags`, and the size stays.
+inline void expectUpdateSizeOnlyClearsTheDirtyBit(Drawable& n, float w, float h, uint32_t cleanFlags) {
+    n.setSize(w, h);
+    n.markDirty();
+    n.updateSize();
+    EXPECT_EQ(n.flags, cleanFlags);
+    EXPECT_EQ(n.size.x, w);
+    EXPECT_EQ(n.size.y, h);
 }
 
 } // namespace scene_test
