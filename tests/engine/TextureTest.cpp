@@ -27,6 +27,13 @@ protected:
         glGetTexParameteriv(target, name, &v);
         return v;
     }
+    // A parameter of mipmap level 0 of `t`, which is left bound to `target`.
+    static GLint levelParameter(const Texture& t, GLenum target, GLenum name) {
+        GLint v = 0;
+        glBindTexture(target, t.id);
+        glGetTexLevelParameteriv(target, 0, name, &v);
+        return v;
+    }
     // A w x h image whose pixel (x, y) is opaque with red x, green y, blue 77.
     static Surface gradient(int w, int h) {
         Surface s(w, h);
@@ -112,12 +119,8 @@ TEST_F(TextureTest, RenderTargetOfTinySizeAllocatesEightByEight) {
     EXPECT_EQ(t.height, 8);
     EXPECT_EQ(t.depth, 2);
     EXPECT_EQ(Texture::usedMemory, before + 256);
-    glBindTexture(GL_TEXTURE_2D, t.id);
-    GLint w = 0, h = 0;
-    glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_WIDTH, &w);
-    glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_HEIGHT, &h);
-    EXPECT_EQ(w, 8);
-    EXPECT_EQ(h, 8);
+    EXPECT_EQ(levelParameter(t, GL_TEXTURE_2D, GL_TEXTURE_WIDTH), 8);
+    EXPECT_EQ(levelParameter(t, GL_TEXTURE_2D, GL_TEXTURE_HEIGHT), 8);
     EXPECT_EQ(parameter(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S), GL_CLAMP_TO_EDGE);
     EXPECT_EQ(parameter(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T), GL_CLAMP_TO_EDGE);
 }
@@ -136,10 +139,7 @@ TEST_F(TextureTest, ThreeDimensionalTargetCountsOneLayerOfMemory) {
     Texture t(16, 16, 4, GL_TEXTURE_3D, GL_RGBA8);
     EXPECT_EQ(t.depth, 4);
     EXPECT_EQ(Texture::usedMemory, before + 16 * 16 * 4);
-    glBindTexture(GL_TEXTURE_3D, t.id);
-    GLint d = 0;
-    glGetTexLevelParameteriv(GL_TEXTURE_3D, 0, GL_TEXTURE_DEPTH, &d);
-    EXPECT_EQ(d, 4);
+    EXPECT_EQ(levelParameter(t, GL_TEXTURE_3D, GL_TEXTURE_DEPTH), 4);
     EXPECT_EQ(parameter(GL_TEXTURE_3D, GL_TEXTURE_WRAP_R), GL_CLAMP_TO_EDGE);
 }
 
@@ -148,10 +148,7 @@ TEST_F(TextureTest, OneDimensionalTargetCountsWidthTimesHeight) {
     Texture t(16, 1, 0, GL_TEXTURE_1D, GL_RGBA8);
     EXPECT_EQ(t.height, 8);
     EXPECT_EQ(Texture::usedMemory, before + 16 * 8 * 4);
-    glBindTexture(GL_TEXTURE_1D, t.id);
-    GLint w = 0;
-    glGetTexLevelParameteriv(GL_TEXTURE_1D, 0, GL_TEXTURE_WIDTH, &w);
-    EXPECT_EQ(w, 16);
+    EXPECT_EQ(levelParameter(t, GL_TEXTURE_1D, GL_TEXTURE_WIDTH), 16);
 }
 
 TEST_F(TextureTest, BindActivatesUnitAndUnbindClearsIt) {
