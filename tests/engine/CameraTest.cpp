@@ -37,6 +37,16 @@ protected:
         getMatrix(GL_PROJECTION_MATRIX, m.data());
         return m;
     }
+    // Binds a camera at `eye` looking along `direction` with `flags`: both the view it keeps and
+    // the model-view it loads are `expected`.
+    static void expectBoundView(const vec3& eye, const vec3& direction, int flags, const float* expected) {
+        Camera c;
+        c.eye = eye;
+        c.direction = direction;
+        c.bind(flags);
+        expectMatrix(c.view, expected);
+        expectModelView(expected);
+    }
     static void expectVec(const vec3& v, float x, float y, float z) {
         EXPECT_NEAR(v.x, x, EPS);
         EXPECT_NEAR(v.y, y, EPS);
@@ -108,36 +118,21 @@ TEST_F(CameraTest, WithoutProjectionFlagTheProjectionAndFovStay) {
 }
 
 TEST_F(CameraTest, BindSevenTurnsAlongDirectionAndMovesToEye) {
-    Camera c;
-    c.eye = vec3(1, 2, 3);
-    c.direction = vec3(1, 0, 0);
-    c.bind(7);
     // side = direction x up = (0, 0, 1), u = side x direction = (0, 1, 0); rows side, u and
     // -direction; translation = rows . (-1, -2, -3) = (-3, -2, 1).
     const float expected[16] = {0, 0, -1, 0, 0, 1, 0, 0, 1, 0, 0, 0, -3, -2, 1, 1};
-    expectMatrix(c.view, expected);
-    expectModelView(expected);
+    expectBoundView(vec3(1, 2, 3), vec3(1, 0, 0), 7, expected);
 }
 
 TEST_F(CameraTest, BindSixHasNoTranslationEvenFarFromTheOrigin) {
-    Camera c;
-    c.eye = vec3(500, -300, 1000);
-    c.direction = vec3(1, 0, -1);
-    c.bind(6);
     // direction (R, 0, -R); side = (R, 0, R); u = (0, 1, 0).
     const float expected[16] = {R, 0, -R, 0, 0, 1, 0, 0, R, 0, R, 0, 0, 0, 0, 1};
-    expectMatrix(c.view, expected);
-    expectModelView(expected);
+    expectBoundView(vec3(500, -300, 1000), vec3(1, 0, -1), 6, expected);
 }
 
 TEST_F(CameraTest, TranslationFlagAloneMovesWithoutTurning) {
-    Camera c;
-    c.eye = vec3(1, 2, 3);
-    c.direction = vec3(1, 0, 0);
-    c.bind(1);
     const float expected[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, -1, -2, -3, 1};
-    expectMatrix(c.view, expected);
-    expectModelView(expected);
+    expectBoundView(vec3(1, 2, 3), vec3(1, 0, 0), 1, expected);
 }
 
 TEST_F(CameraTest, ProjectionFlagAloneLoadsIdentityViewInModelViewMode) {
