@@ -1,5 +1,7 @@
 #include "engine/Camera.h"
 
+#include <array>
+
 #include "engine/Color.h"
 #include "engine/Vector.h"
 #include "tests/support/GLFixture.h"
@@ -26,6 +28,24 @@ protected:
         float m[16];
         getMatrix(GL_MODELVIEW_MATRIX, m);
         expectMatrix(m, expected);
+    }
+    // Binds `c` with the projection flag and field of view `fov`; the projection it loaded.
+    static std::array<float, 16> projectionWithFov(Camera& c, float fov) {
+        c.fov = fov;
+        c.bind(4);
+        std::array<float, 16> m;
+        getMatrix(GL_PROJECTION_MATRIX, m.data());
+        return m;
+    }
+    // Binds a camera at `eye` looking along `direction` with `flags`: both the view it keeps and
+    // the model-view it loads are `expected`.
+    static void expectBoundView(const vec3& eye, const vec3& direction, int flags, const float* expected) {
+        Camera c;
+        c.eye = eye;
+        c.direction = direction;
+        c.bind(flags);
+        expectMatrix(c.view, expected);
+        expectModelView(expected);
     }
     static void expectVec(const vec3& v, float x, float y, float z) {
         EXPECT_NEAR(v.x, x, EPS);
@@ -59,36 +79,27 @@ TEST_F(CameraTest, LookAtPointsDirectionFromEyeToTargetNormalised) {
 
 TEST_F(CameraTest, ProjectionFlagLoadsTheFrustumOfFovAndScreenAspect) {
     Camera c;
-    c.fov = 90;
-    c.bind(4);
+    std::array<float, 16> m = projectionWithFov(c, 90);
     // top = 0.1 tan 45 = 0.1, right = 4/3 * 0.1; frustum: n / right = 0.75, n / top = 1,
     // -(f + n) / (f - n) = -100.1 / 99.9, -2 f n / (f - n) = -20 / 99.9.
     const float expected[16] = {0.75f, 0, 0, 0, 0, 1, 0, 0, 0, 0, -1.0020020f, -1, 0, 0, -0.2002002f, 0};
-    float m[16];
-    getMatrix(GL_PROJECTION_MATRIX, m);
-    expectMatrix(m, expected);
+    expectMatrix(m.data(), expected);
 }
 
 TEST_F(CameraTest, Fov200IsClampedTo100AndKeptInTheField) {
     Camera c;
-    c.fov = 200;
-    c.bind(4);
+    std::array<float, 16> m = projectionWithFov(c, 200);
     EXPECT_EQ(c.fov, 100.0f);
     // n / top = 1 / tan 50 = 0.83909963; n / right = that * 3/4 = 0.62932472.
-    float m[16];
-    getMatrix(GL_PROJECTION_MATRIX, m);
     EXPECT_NEAR(m[0], 0.62932472f, EPS);
     EXPECT_NEAR(m[5], 0.83909963f, EPS);
 }
 
 TEST_F(CameraTest, FovBelowHalfADegreeIsClampedToHalf) {
     Camera c;
-    c.fov = 0.1f;
-    c.bind(4);
+    std::array<float, 16> m = projectionWithFov(c, 0.1f);
     EXPECT_EQ(c.fov, 0.5f);
     // 1 / tan 0.25 degrees = 229.18166.
-    float m[16];
-    getMatrix(GL_PROJECTION_MATRIX, m);
     EXPECT_NEAR(m[5], 229.18166f, 0.01f);
 }
 
@@ -107,36 +118,21 @@ TEST_F(CameraTest, WithoutProjectionFlagTheProjectionAndFovStay) {
 }
 
 TEST_F(CameraTest, BindSevenTurnsAlongDirectionAndMovesToEye) {
-    Camera c;
-    c.eye = vec3(1, 2, 3);
-    c.direction = vec3(1, 0, 0);
-    c.bind(7);
     // side = direction x up = (0, 0, 1), u = side x direction = (0, 1, 0); rows side, u and
     // -direction; translation = rows . (-1, -2, -3) = (-3, -2, 1).
     const float expected[16] = {0, 0, -1, 0, 0, 1, 0, 0, 1, 0, 0, 0, -3, -2, 1, 1};
-    expectMatrix(c.view, expected);
-    expectModelView(expected);
+    expectBoundView(vec3(1, 2, 3), vec3(1, 0, 0), 7, expected);
 }
 
 TEST_F(CameraTest, BindSixHasNoTranslationEvenFarFromTheOrigin) {
-    Camera c;
-    c.eye = vec3(500, -300, 1000);
-    c.direction = vec3(1, 0, -1);
-    c.bind(6);
     // direction (R, 0, -R); side = (R, 0, R); u = (0, 1, 0).
     const float expected[16] = {R, 0, -R, 0, 0, 1, 0, 0, R, 0, R, 0, 0, 0, 0, 1};
-    expectMatrix(c.view, expected);
-    expectModelView(expected);
+    expectBoundView(vec3(500, -300, 1000), vec3(1, 0, -1), 6, expected);
 }
 
 TEST_F(CameraTest, TranslationFlagAloneMovesWithoutTurning) {
-    Camera c;
-    c.eye = vec3(1, 2, 3);
-    c.direction = vec3(1, 0, 0);
-    c.bind(1);
     const float expected[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, -1, -2, -3, 1};
-    expectMatrix(c.view, expected);
-    expectModelView(expected);
+    expectBoundView(vec3(1, 2, 3), vec3(1, 0, 0), 1, expected);
 }
 
 TEST_F(CameraTest, ProjectionFlagAloneLoadsIdentityViewInModelViewMode) {

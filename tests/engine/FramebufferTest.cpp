@@ -91,6 +91,24 @@ protected:
         glEnd();
     }
 
+    // Into the 64 x 64 target `fb`, with the depth test on: red over the whole target at eye
+    // z 0.5, then blue at eye z -0.5, which is farther (glOrtho(.., -1, 1)). The colour left
+    // at (10, 10).
+    static uint32_t nearRedThenFarBlue(Framebuffer& fb) {
+        fb.bind();
+        projection(64, 64);
+        glClearDepth(1.0);
+        glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+        glEnable(GL_DEPTH_TEST);
+        glDepthFunc(GL_LESS);
+        fillRect(0, 0, 64, 64, 0.5f, 255, 0, 0);
+        fillRect(0, 0, 64, 64, -0.5f, 0, 0, 255);
+        glDisable(GL_DEPTH_TEST);
+        uint32_t color = readPixels(10, 10, 1, 1).at(0, 0);
+        fb.unbind();
+        return color;
+    }
+
     // A 64 x 64 picture: top half red, bottom left green, bottom right blue.
     static void drawPicture() {
         projection(64, 64);
@@ -251,32 +269,12 @@ TEST_F(FramebufferTest, ColourTextureReproducesThePictureOnScreen) {
 
 TEST_F(FramebufferTest, DepthBufferHidesFartherDrawing) {
     Framebuffer fb(64, 64, 1 | 16);
-    fb.bind();
-    projection(64, 64);
-    glClearDepth(1.0);
-    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-    glEnable(GL_DEPTH_TEST);
-    glDepthFunc(GL_LESS);
-    // With glOrtho(.., -1, 1) eye z 0.5 is nearer than eye z -0.5.
-    fillRect(0, 0, 64, 64, 0.5f, 255, 0, 0);
-    fillRect(0, 0, 64, 64, -0.5f, 0, 0, 255);
-    glDisable(GL_DEPTH_TEST);
-    EXPECT_EQ(readPixels(10, 10, 1, 1).at(0, 0), rgba(255, 0, 0, 255));
-    fb.unbind();
+    EXPECT_EQ(nearRedThenFarBlue(fb), rgba(255, 0, 0, 255));
 }
 
 TEST_F(FramebufferTest, WithoutTheDepthFlagLaterDrawingWins) {
     Framebuffer fb(64, 64, 1);
-    fb.bind();
-    projection(64, 64);
-    glClear(GL_COLOR_BUFFER_BIT);
-    glEnable(GL_DEPTH_TEST);
-    glDepthFunc(GL_LESS);
-    fillRect(0, 0, 64, 64, 0.5f, 255, 0, 0);
-    fillRect(0, 0, 64, 64, -0.5f, 0, 0, 255);
-    glDisable(GL_DEPTH_TEST);
-    EXPECT_EQ(readPixels(10, 10, 1, 1).at(0, 0), rgba(0, 0, 255, 255));
-    fb.unbind();
+    EXPECT_EQ(nearRedThenFarBlue(fb), rgba(0, 0, 255, 255));
 }
 
 // --- Framebuffer: destruction ---

@@ -21,6 +21,32 @@ protected:
     }
 };
 
+// The input of one frame as GEvent keeps it: key word 3, the mouse and the buttons.
+struct Frame {
+    uint32_t keyWord3;
+    int mouseX, mouseY;
+    uint32_t buttons;
+};
+
+void setLive(Orvel::GEvent* e, const Frame& live) {
+    e->keysLive[3] = live.keyWord3;
+    e->mouseLiveX = live.mouseX;
+    e->mouseLiveY = live.mouseY;
+    e->buttonsLive = live.buttons;
+}
+
+// `now` is this frame's input and `previous` the frame's before.
+void expectFrames(const Orvel::GEvent* e, const Frame& now, const Frame& previous) {
+    EXPECT_EQ(e->keys[3], now.keyWord3);
+    EXPECT_EQ(e->mouseX, now.mouseX);
+    EXPECT_EQ(e->mouseY, now.mouseY);
+    EXPECT_EQ(e->buttons, now.buttons);
+    EXPECT_EQ(e->keysPrev[3], previous.keyWord3);
+    EXPECT_EQ(e->mousePrevX, previous.mouseX);
+    EXPECT_EQ(e->mousePrevY, previous.mouseY);
+    EXPECT_EQ(e->buttonsPrev, previous.buttons);
+}
+
 } // namespace
 
 TEST_F(OrvelInputTest, NewGEventIsZeroedAndWantsToRun) {
@@ -46,30 +72,14 @@ TEST_F(OrvelInputTest, NewGEventIsZeroedAndWantsToRun) {
 
 TEST_F(OrvelInputTest, UpdateShiftsLiveStateIntoFrameAndFrameIntoPrevious) {
     Orvel::GEvent* e = Orvel::events;
-    e->keysLive[3] = 0xA5;
-    e->mouseLiveX = 12;
-    e->mouseLiveY = 34;
-    e->buttonsLive = 6;
+    setLive(e, {0xA5, 12, 34, 6});
     e->update();
-    EXPECT_EQ(e->keys[3], 0xA5u);
-    EXPECT_EQ(e->keysPrev[3], 0u);
-    EXPECT_EQ(e->mouseX, 12);
-    EXPECT_EQ(e->mouseY, 34);
-    EXPECT_EQ(e->mousePrevX, 0);
-    EXPECT_EQ(e->buttons, 6u);
-    EXPECT_EQ(e->buttonsPrev, 0u);
+    expectFrames(e, {0xA5, 12, 34, 6}, {0, 0, 0, 0});
 
-    e->keysLive[3] = 0x1;
-    e->mouseLiveX = 56;
-    e->buttonsLive = 0;
+    // The mouse's y stays where it was.
+    setLive(e, {0x1, 56, 34, 0});
     e->update();
-    EXPECT_EQ(e->keys[3], 0x1u);
-    EXPECT_EQ(e->keysPrev[3], 0xA5u);
-    EXPECT_EQ(e->mouseX, 56);
-    EXPECT_EQ(e->mousePrevX, 12);
-    EXPECT_EQ(e->mousePrevY, 34);
-    EXPECT_EQ(e->buttons, 0u);
-    EXPECT_EQ(e->buttonsPrev, 6u);
+    expectFrames(e, {0x1, 56, 34, 0}, {0xA5, 12, 34, 6});
 }
 
 TEST_F(OrvelInputTest, KeyEdgesLastOneFrameAndDownLastsWhileHeld) {

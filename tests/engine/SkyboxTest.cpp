@@ -80,6 +80,15 @@ protected:
         return readScreen();
     }
 
+    // The centre pixel of a sky with a plain white front face at `brightness`, seen head on.
+    static uint32_t whiteFrontAt(float brightness) {
+        std::unique_ptr<Texture> white = solidTexture(WHITE);
+        Skybox sky;
+        sky.front = white.get();
+        sky.brightness = brightness;
+        return drawSeen(sky, vec3(0, 0, -1)).at(128, 128);
+    }
+
     // One distinctly coloured texture per face.
     void giveEachFaceItsColour(Skybox& sky) {
         front = solidTexture(RED);
@@ -159,31 +168,19 @@ TEST_F(SkyboxTest, FacesLayTheirImagesOutByTheirCoordinateTables) {
 }
 
 TEST_F(SkyboxTest, BrightnessHalfDrawsColourBytes255And127) {
-    std::unique_ptr<Texture> white = solidTexture(WHITE);
-    Skybox sky;
-    sky.front = white.get();
-    sky.brightness = 0.5f;
     // (int)(255 * 0.5) = 127 for green, blue and alpha; red stays 255. Blending is off, so
     // the white texture passes the vertex colour to the screen unchanged, alpha included.
-    EXPECT_EQ(drawSeen(sky, vec3(0, 0, -1)).at(128, 128), Color::getColor(255, 127, 127, 127));
+    EXPECT_EQ(whiteFrontAt(0.5f), Color::getColor(255, 127, 127, 127));
 }
 
 TEST_F(SkyboxTest, BrightnessOfTheGameTintsGreenBlueAndAlphaTo209) {
-    std::unique_ptr<Texture> white = solidTexture(WHITE);
-    Skybox sky;
-    sky.front = white.get();
-    sky.brightness = 0.82f; // 255 * 0.82 = 209.1
-    EXPECT_EQ(drawSeen(sky, vec3(0, 0, -1)).at(128, 128), Color::getColor(255, 209, 209, 209));
+    // 255 * 0.82 = 209.1
+    EXPECT_EQ(whiteFrontAt(0.82f), Color::getColor(255, 209, 209, 209));
 }
 
 TEST_F(SkyboxTest, BrightnessIsClampedToTheByteRange) {
-    std::unique_ptr<Texture> white = solidTexture(WHITE);
-    Skybox sky;
-    sky.front = white.get();
-    sky.brightness = 2.0f;
-    EXPECT_EQ(drawSeen(sky, vec3(0, 0, -1)).at(128, 128), Color::getColor(255, 255, 255, 255));
-    sky.brightness = -1.0f;
-    EXPECT_EQ(drawSeen(sky, vec3(0, 0, -1)).at(128, 128), Color::getColor(255, 0, 0, 0));
+    EXPECT_EQ(whiteFrontAt(2.0f), Color::getColor(255, 255, 255, 255));
+    EXPECT_EQ(whiteFrontAt(-1.0f), Color::getColor(255, 0, 0, 0));
 }
 
 TEST_F(SkyboxTest, FacesAreDrawnFrontLeftBackRightThenTopAndBottom) {

@@ -27,6 +27,25 @@ protected:
         glGetTexParameteriv(target, name, &v);
         return v;
     }
+    // Uploads `image` and checks the texture it makes: w x h, the image covering the fraction
+    // sScale x tScale of it, and w * h * 4 bytes more counted memory. Its texels, read back.
+    static std::vector<uint32_t> uploadedTexels(const Surface& image, int w, int h, float sScale, float tScale) {
+        uint32_t before = Texture::usedMemory;
+        Texture t(&image);
+        EXPECT_EQ(t.width, w);
+        EXPECT_EQ(t.height, h);
+        EXPECT_EQ(t.sScale, sScale);
+        EXPECT_EQ(t.tScale, tScale);
+        EXPECT_EQ(Texture::usedMemory, before + (uint32_t)(w * h * 4));
+        return texels(t);
+    }
+    // A parameter of mipmap level 0 of `t`, which is left bound to `target`.
+    static GLint levelParameter(const Texture& t, GLenum target, GLenum name) {
+        GLint v = 0;
+        glBindTexture(target, t.id);
+        glGetTexLevelParameteriv(target, 0, name, &v);
+        return v;
+    }
     // A w x h image whose pixel (x, y) is opaque with red x, green y, blue 77.
     static Surface gradient(int w, int h) {
         Surface s(w, h);
@@ -40,14 +59,8 @@ protected:
 
 TEST_F(TextureTest, ImageOfNonPowerOfTwoSizeIsPaddedWithTransparentBlack) {
     Surface image = gradient(100, 50);
-    uint32_t before = Texture::usedMemory;
-    Texture t(&image);
-    EXPECT_EQ(t.width, 128);
-    EXPECT_EQ(t.height, 64);
-    EXPECT_EQ(t.sScale, 0.78125f);
-    EXPECT_EQ(t.tScale, 0.78125f);
-    EXPECT_EQ(Texture::usedMemory, before + 32768);
-    std::vector<uint32_t> data = texels(t);
+    // 100 / 128 = 0.78125 and 50 / 64 = 0.78125.
+    std::vector<uint32_t> data = uploadedTexels(image, 128, 64, 0.78125f, 0.78125f);
     EXPECT_EQ(data[0], image.getPixel(0, 0));
     EXPECT_EQ(data[49 * 128 + 99], image.getPixel(99, 49));
     EXPECT_EQ(data[49 * 128 + 100], 0u);
@@ -57,14 +70,7 @@ TEST_F(TextureTest, ImageOfNonPowerOfTwoSizeIsPaddedWithTransparentBlack) {
 
 TEST_F(TextureTest, PowerOfTwoImageIsUploadedAsIs) {
     Surface image = gradient(64, 64);
-    uint32_t before = Texture::usedMemory;
-    Texture t(&image);
-    EXPECT_EQ(t.width, 64);
-    EXPECT_EQ(t.height, 64);
-    EXPECT_EQ(t.sScale, 1.0f);
-    EXPECT_EQ(t.tScale, 1.0f);
-    EXPECT_EQ(Texture::usedMemory, before + 64 * 64 * 4);
-    std::vector<uint32_t> data = texels(t);
+    std::vector<uint32_t> data = uploadedTexels(image, 64, 64, 1.0f, 1.0f);
     for (int i = 0; i < 64 * 64; ++i) ASSERT_EQ(data[i], image.pixels[i]) << i;
 }
 
@@ -112,12 +118,8 @@ TEST_F(TextureTest, RenderTargetOfTinySizeAllocatesEightByEight) {
     EXPECT_EQ(t.height, 8);
     EXPECT_EQ(t.depth, 2);
     EXPECT_EQ(Texture::usedMemory, before + 256);
-    glBindTexture(GL_TEXTURE_2D, t.id);
-    GLint w = 0, h = 0;
-    glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_WIDTH, &w);
-    glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_HEIGHT, &h);
-    EXPECT_EQ(w, 8);
-    EXPECT_EQ(h, 8);
+    EXPECT_EQ(levelParameter(t, GL_TEXTURE_2D, GL_TEXTURE_WIDTH), 8);
+    EXPECT_EQ(levelParameter(t, GL_TEXTURE_2D, GL_TEXTURE_HEIGHT), 8);
     EXPECT_EQ(parameter(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S), GL_CLAMP_TO_EDGE);
     EXPECT_EQ(parameter(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T), GL_CLAMP_TO_EDGE);
 }
@@ -136,10 +138,7 @@ TEST_F(TextureTest, ThreeDimensionalTargetCountsOneLayerOfMemory) {
     Texture t(16, 16, 4, GL_TEXTURE_3D, GL_RGBA8);
     EXPECT_EQ(t.depth, 4);
     EXPECT_EQ(Texture::usedMemory, before + 16 * 16 * 4);
-    glBindTexture(GL_TEXTURE_3D, t.id);
-    GLint d = 0;
-    glGetTexLevelParameteriv(GL_TEXTURE_3D, 0, GL_TEXTURE_DEPTH, &d);
-    EXPECT_EQ(d, 4);
+    EXPECT_EQ(levelParameter(t, GL_TEXTURE_3D, GL_TEXTURE_DEPTH), 4);
     EXPECT_EQ(parameter(GL_TEXTURE_3D, GL_TEXTURE_WRAP_R), GL_CLAMP_TO_EDGE);
 }
 
@@ -148,10 +147,7 @@ TEST_F(TextureTest, OneDimensionalTargetCountsWidthTimesHeight) {
     Texture t(16, 1, 0, GL_TEXTURE_1D, GL_RGBA8);
     EXPECT_EQ(t.height, 8);
     EXPECT_EQ(Texture::usedMemory, before + 16 * 8 * 4);
-    glBindTexture(GL_TEXTURE_1D, t.id);
-    GLint w = 0;
-    glGetTexLevelParameteriv(GL_TEXTURE_1D, 0, GL_TEXTURE_WIDTH, &w);
-    EXPECT_EQ(w, 16);
+    EXPECT_EQ(levelParameter(t, GL_TEXTURE_1D, GL_TEXTURE_WIDTH), 16);
 }
 
 TEST_F(TextureTest, BindActivatesUnitAndUnbindClearsIt) {

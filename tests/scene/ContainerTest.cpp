@@ -8,6 +8,7 @@
 #include "tests/scene/TestNodes.h"
 
 using scene_test::backwardWalk;
+using scene_test::expectDeletingUnlinksBoth;
 using scene_test::forwardWalk;
 using scene_test::TestContainer;
 using scene_test::TestNode;
@@ -297,12 +298,5 @@ TEST_F(ContainerTest, ClearUnlinksEveryChild) {
 
 TEST(Container, DeletingAContainerUnlinksButKeepsItsChildren) {
     TestNode a, b;
-    TestContainer* c = new TestContainer;
-    c->add(&a);
-    c->add(&b);
-    delete c;
-    EXPECT_EQ(a.parent, nullptr);
-    EXPECT_EQ(a.next, nullptr);
-    EXPECT_EQ(b.parent, nullptr);
-    EXPECT_EQ(b.prev, nullptr);
+    expectDeletingUnlinksBoth(new TestContainer, a, b);
 }

@@ -27,6 +27,18 @@ protected:
         }
         return false;
     }
+
+    // A root without wrap holding a 40 x 20 leaf at (600, 200) that paints nothing, so only its
+    // outline can show: its bounds run x 580..620, y 190..210.
+    struct OutlinedLeaf {
+        DirectScene2D hud{-1, -1};
+        RecordingNode node{40, 20, false};
+        OutlinedLeaf() {
+            hud.wrap = false;
+            node.position = vec3(600, 200, 0);
+            hud.add(&node);
+        }
+    };
 };
 
 } // namespace
@@ -38,32 +50,14 @@ TEST_F(DirectScene2DTest, DrawsStraightIntoTheBoundTarget) {
     node.position = vec3(50, 60, 0);
     node.setBlendColor(0xFFFFFFFFu);
     hud.add(&node);
-    clearScreen(10, 20, 30);
-    hud.draw();
-    auto p = readScreen();
+    auto p = drawOver(hud, 10, 20, 30);
     EXPECT_EQ(rgbAt(p, 50, 60), rgb(255, 255, 255));
     EXPECT_EQ(rgbAt(p, 100, 100), rgb(10, 20, 30));
 }
 
-TEST_F(DirectScene2DTest, AnEmptyRootWithoutOutlinesDrawsNothing) {
-    DirectScene2D hud(-1, -1);
-    hud.debugDraw = false;
-    clearScreen(10, 20, 30);
-    hud.draw();
-    auto p = readScreen();
-    for (int y = 0; y < 720; y += 37) {
-        for (int x = 0; x < 1280; x += 41)
-            ASSERT_EQ(rgbAt(p, x, y), rgb(10, 20, 30)) << x << ", " << y;
-    }
-}
-
 TEST_F(DirectScene2DTest, TheWorldBorderIsAGreyLineThreePixelsWide) {
     DirectScene2D hud(-1, -1);
-    hud.wrap = false;
-    hud.worldWidth = 400;
-    hud.worldHeight = 300;
-    hud.draw();
-    auto p = readScreen();
+    auto p = drawWorldBorder(hud, 0, 0, 0);
     // White at alpha 192 over black: 192 in each channel, along x = 400 (pixels 398..401).
     int litColumns = 0;
     for (int x = 396; x <= 404; ++x) {
@@ -79,14 +73,9 @@ TEST_F(DirectScene2DTest, TheWorldBorderIsAGreyLineThreePixelsWide) {
 }
 
 TEST_F(DirectScene2DTest, DebugOutlinesTraceEachNodesBounds) {
-    DirectScene2D hud(-1, -1);
-    hud.wrap = false;
-    RecordingNode node(40, 20, false);
-    node.position = vec3(600, 200, 0);
-    hud.add(&node);
-    hud.draw();
+    OutlinedLeaf scene;
+    scene.hud.draw();
     auto p = readScreen();
-    // Bounds x 580..620, y 190..210.
     EXPECT_TRUE(hasGreenOutline(p, 600, 189, 600, 190));
     EXPECT_TRUE(hasGreenOutline(p, 600, 209, 600, 210));
     EXPECT_TRUE(hasGreenOutline(p, 579, 200, 580, 200));
@@ -95,33 +84,24 @@ TEST_F(DirectScene2DTest, DebugOutlinesTraceEachNodesBounds) {
 }
 
 TEST_F(DirectScene2DTest, WithoutDebugDrawThereAreNoOutlines) {
-    DirectScene2D hud(-1, -1);
-    hud.wrap = false;
-    hud.debugDraw = false;
-    RecordingNode node(40, 20, false);
-    node.position = vec3(600, 200, 0);
-    hud.add(&node);
-    hud.draw();
-    auto p = readScreen();
-    EXPECT_FALSE(hasGreenOutline(p, 570, 180, 630, 220));
+    OutlinedLeaf scene;
+    scene.hud.debugDraw = false;
+    scene.hud.draw();
+    EXPECT_FALSE(hasGreenOutline(readScreen(), 570, 180, 630, 220));
 }
 
 TEST_F(DirectScene2DTest, AnEffectNodeOutlinesTheBoundsLastTested) {
-    DirectScene2D hud(-1, -1);
-    hud.wrap = false;
-    RecordingNode node(40, 20, false);
-    node.position = vec3(600, 200, 0);
+    OutlinedLeaf scene;
     RecordingEffect effect;
     effect.position = vec3(100, 100, 0);
-    hud.add(&node);
-    hud.add(&effect);
-    hud.draw();
+    scene.hud.add(&effect);
+    scene.hud.draw();
 
     // The leaf is skipped before it is tested, so the effect outlines the box of the previous
     // frame's leaf, and nothing around its own position.
-    node.setVisible(false);
+    scene.node.setVisible(false);
     clearScreen(0, 0, 0);
-    hud.draw();
+    scene.hud.draw();
     ASSERT_EQ(effect.drawCount, 2);
     auto p = readScreen();
     EXPECT_TRUE(hasGreenOutline(p, 600, 189, 600, 190));

@@ -7,6 +7,7 @@
 using orvel::vec2;
 using scene_test::forwardWalk;
 using scene_test::TestContainer;
+using scene_test::expectUpdateSizeOnlyClearsTheDirtyBit;
 using scene_test::TestNode;
 
 namespace {
@@ -16,6 +17,11 @@ void expectBounds(const Bounds& b, float x, float y, float w, float h) {
     EXPECT_NEAR(b.y, y, 1e-4f);
     EXPECT_NEAR(b.width, w, 1e-4f);
     EXPECT_NEAR(b.height, h, 1e-4f);
+}
+
+void expectHotSpot(const Drawable& n, float x, float y) {
+    EXPECT_EQ(n.hotSpot.x, x);
+    EXPECT_EQ(n.hotSpot.y, y);
 }
 
 void expectColor(const Color4ub& c, int r, int g, int b, int a) {
@@ -85,8 +91,7 @@ TEST(Drawable, SetHotSpotWithAnUnknownLocationLeavesTheHotSpot) {
     n.setSize(100, 50);
     n.setHotSpot(3, 4);
     n.setHotSpot(static_cast<HotSpotLocation>(9));
-    EXPECT_EQ(n.hotSpot.x, 3);
-    EXPECT_EQ(n.hotSpot.y, 4);
+    expectHotSpot(n, 3, 4);
 }
 
 TEST(Drawable, HotSpotDoesNotFollowALaterSizeChange) {
@@ -94,18 +99,15 @@ TEST(Drawable, HotSpotDoesNotFollowALaterSizeChange) {
     n.setSize(100, 50);
     n.setHotSpot(TopLeft);
     n.setSize(20, 10);
-    EXPECT_EQ(n.hotSpot.x, 50);
-    EXPECT_EQ(n.hotSpot.y, 25);
+    expectHotSpot(n, 50, 25);
 }
 
 TEST(Drawable, SetHotSpotFromNumbersAndCenterHotSpot) {
     TestNode n;
     n.setHotSpot(-3.5f, 8);
-    EXPECT_EQ(n.hotSpot.x, -3.5f);
-    EXPECT_EQ(n.hotSpot.y, 8);
+    expectHotSpot(n, -3.5f, 8);
     n.centerHotSpot();
-    EXPECT_EQ(n.hotSpot.x, 0);
-    EXPECT_EQ(n.hotSpot.y, 0);
+    expectHotSpot(n, 0, 0);
 }
 
 TEST(Drawable, BoundsOfATopLeftAnchoredBoxStartAtItsPosition) {
@@ -238,8 +240,7 @@ TEST(Drawable, SetSizeNeitherMarksDirtyNorMovesTheHotSpot) {
     EXPECT_EQ(n.size.y, 40);
     EXPECT_EQ(n.flags & Drawable::DIRTY, 0u);
     EXPECT_EQ(c.dirtyNotices, 0);
-    EXPECT_EQ(n.hotSpot.x, 4);
-    EXPECT_EQ(n.hotSpot.y, 5);
+    expectHotSpot(n, 4, 5);
 }
 
 TEST(Drawable, MarkDirtySetsTheBitAndTellsTheParent) {
@@ -259,12 +260,7 @@ TEST(Drawable, MarkDirtyOnADetachedNodeOnlySetsTheBit) {
 
 TEST(Drawable, DefaultUpdateSizeOnlyClearsTheDirtyBit) {
     TestNode n;
-    n.setSize(3, 4);
-    n.markDirty();
-    n.updateSize();
-    EXPECT_EQ(n.flags, 0x101u);
-    EXPECT_EQ(n.size.x, 3);
-    EXPECT_EQ(n.size.y, 4);
+    expectUpdateSizeOnlyClearsTheDirtyBit(n, 3, 4, 0x101u);
 }
 
 TEST(Drawable, RemoveGoesThroughItsOwnParent) {

@@ -5,6 +5,7 @@
 #include "scene/Group.h"
 #include "scene/Scene2D.h"
 #include "tests/scene/ColourDraw.h"
+#include "tests/scene/TestNodes.h"
 #include "tests/scene/VisualsFixture.h"
 
 using orvel::vec3;
@@ -54,25 +55,18 @@ TEST(Effect, ConstructorMarksAVisibleEffectNode) {
 
 TEST(Effect, UpdateSizeOnlyClearsTheDirtyBit) {
     SquareEffect e;
-    e.setSize(5, 7);
-    e.markDirty();
-    e.updateSize();
-    EXPECT_EQ(e.flags, 0x103u);
-    EXPECT_EQ(e.size.x, 5.0f);
-    EXPECT_EQ(e.size.y, 7.0f);
+    scene_test::expectUpdateSizeOnlyClearsTheDirtyBit(e, 5, 7, 0x103u);
 }
 
 TEST_F(EffectTest, DrawsInItsParentsSpaceIgnoringItsOwnTransform) {
     Group* group = new Group();
-    group->position = vec3(100, 50, 0);
     SquareEffect* e = new SquareEffect();
     // None of these move the square: only the group's transform applies.
     e->position = vec3(30, 20, 0);
     e->setRotation(45);
     e->setScale(3);
     group->add(e);
-    root->add(group);
-    drawFrame(*root);
+    drawAt(*root, *group, 100, 50);
 
     Pixels p = readScreen();
     EXPECT_EQ(e->draws, 1);
@@ -90,12 +84,10 @@ TEST_F(EffectTest, DrawsInItsParentsSpaceIgnoringItsOwnTransform) {
 
 TEST_F(EffectTest, FollowsARotatedParent) {
     Group* group = new Group();
-    group->position = vec3(100, 100, 0);
     group->setRotation(90);
     SquareEffect* e = new SquareEffect();
     group->add(e);
-    root->add(group);
-    drawFrame(*root);
+    drawAt(*root, *group, 100, 100);
 
     // A rotation by a maps (x, y) to (cos a x + sin a y, -sin a x + cos a y); at 90 degrees
     // that is (y, -x), so local (0..10, 0..10) lands on window x 100..109, y 90..99.
@@ -110,10 +102,8 @@ TEST_F(EffectTest, FollowsARotatedParent) {
 TEST_F(EffectTest, IsNeverCulled) {
     SquareEffect* e = new SquareEffect();
     // Far outside the view with a box of its own: a sprite there would be culled.
-    e->position = vec3(5000, 5000, 0);
     e->setSize(10, 10);
-    root->add(e);
-    drawFrame(*root);
+    drawAt(*root, *e, 5000, 5000);
 
     EXPECT_EQ(e->draws, 1);
     // At the root the parent's space is the world: the square sits at the world origin.

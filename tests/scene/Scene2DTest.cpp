@@ -24,6 +24,19 @@ protected:
         orvel::Framebuffer::unbindFB();
         return p;
     }
+
+    // A root without outlines holding a 40 x 40 leaf at (300, 200) that paints its box in
+    // `color` (packed, red in the low byte).
+    struct OneLeaf {
+        Scene2D scene{-1, -1};
+        RecordingNode node{40, 40};
+        explicit OneLeaf(uint32_t color) {
+            scene.debugDraw = false;
+            node.position = vec3(300, 200, 0);
+            node.setBlendColor(color);
+            scene.add(&node);
+        }
+    };
 };
 
 } // namespace
@@ -51,18 +64,13 @@ TEST_F(Scene2DTest, TheFramebufferHasTheGivenSize) {
 }
 
 TEST_F(Scene2DTest, DrawsIntoItsFramebufferAndCopiesItToTheScreen) {
-    Scene2D scene(-1, -1);
-    scene.debugDraw = false;
-    RecordingNode node(40, 40);
-    node.position = vec3(300, 200, 0);
-    node.setBlendColor(0xFF00FF00u); // green
-    scene.add(&node);
-    scene.draw();
+    OneLeaf leaf(0xFF00FF00u); // green
+    leaf.scene.draw();
 
     auto screen = readScreen();
     EXPECT_EQ(rgbAt(screen, 300, 200), rgb(0, 255, 0));
     EXPECT_EQ(rgbAt(screen, 600, 400), rgb(0, 0, 0));
-    auto target = readFramebuffer(scene);
+    auto target = readFramebuffer(leaf.scene);
     EXPECT_EQ(target.at(300, 200), 0xFF00FF00u);
     // Cleared to transparent black around it.
     EXPECT_EQ(target.at(600, 400), 0u);
@@ -74,51 +82,23 @@ TEST_F(Scene2DTest, DrawsIntoItsFramebufferAndCopiesItToTheScreen) {
 }
 
 TEST_F(Scene2DTest, EachDrawClearsTheFramebufferFirst) {
-    Scene2D scene(-1, -1);
-    scene.debugDraw = false;
-    RecordingNode node(40, 40);
-    node.position = vec3(300, 200, 0);
-    scene.add(&node);
-    scene.draw();
-    node.setVisible(false);
-    scene.draw();
-    EXPECT_EQ(readFramebuffer(scene).at(300, 200), 0u);
+    OneLeaf leaf(0xFFFFFFFFu); // white, as a new node starts
+    leaf.scene.draw();
+    leaf.node.setVisible(false);
+    leaf.scene.draw();
+    EXPECT_EQ(readFramebuffer(leaf.scene).at(300, 200), 0u);
 }
 
 TEST_F(Scene2DTest, TheCopyLeavesTheScreenWhereTheSceneIsTransparent) {
-    Scene2D scene(-1, -1);
-    scene.debugDraw = false;
-    RecordingNode node(40, 40);
-    node.position = vec3(300, 200, 0);
-    node.setBlendColor(0xFF0000FFu); // red
-    scene.add(&node);
-    clearScreen(0, 0, 255);
-    scene.draw();
-    auto p = readScreen();
+    OneLeaf leaf(0xFF0000FFu); // red
+    auto p = drawOver(leaf.scene, 0, 0, 255);
     EXPECT_EQ(rgbAt(p, 300, 200), rgb(255, 0, 0));
     EXPECT_EQ(rgbAt(p, 100, 600), rgb(0, 0, 255));
 }
 
-TEST_F(Scene2DTest, AnEmptyRootWithoutOutlinesLeavesTheScreenAsItWas) {
-    Scene2D scene(-1, -1);
-    scene.debugDraw = false;
-    clearScreen(0, 0, 255);
-    scene.draw();
-    auto p = readScreen();
-    for (int y = 0; y < 720; y += 37) {
-        for (int x = 0; x < 1280; x += 41)
-            ASSERT_EQ(rgbAt(p, x, y), rgb(0, 0, 255)) << x << ", " << y;
-    }
-}
-
 TEST_F(Scene2DTest, AnEmptyRootDrawsOnlyTheWorldBorder) {
     Scene2D scene(-1, -1);
-    scene.wrap = false;
-    scene.worldWidth = 400;
-    scene.worldHeight = 300;
-    clearScreen(0, 0, 255);
-    scene.draw();
-    auto p = readScreen();
+    auto p = drawWorldBorder(scene, 0, 0, 255);
     // With the default camera, world (x, y) is pixel (x, y): the border runs along x = 400 and
     // y = 300 on screen, three pixels wide.
     bool isRightEdgeLit = false;

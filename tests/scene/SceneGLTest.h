@@ -109,6 +109,22 @@ protected:
     }
 
     static uint32_t rgbAt(const Pixels& p, int x, int y) { return p.at(x, y) & 0xFFFFFFu; }
+
+    // Draws `root` over a screen filled with (r, g, b) and reads the screen back.
+    template <typename Root> static Pixels drawOver(Root& root, int r, int g, int b) {
+        clearScreen(r, g, b);
+        root.draw();
+        return readScreen();
+    }
+
+    // Draws `root`, empty and with outlines on, over a 400 x 300 world without wrap on a screen
+    // filled with (r, g, b), and reads the screen back.
+    template <typename Root> static Pixels drawWorldBorder(Root& root, int r, int g, int b) {
+        root.wrap = false;
+        root.worldWidth = 400;
+        root.worldHeight = 300;
+        return drawOver(root, r, g, b);
+    }
 };
 
 // Closes the shared window once every test has run.

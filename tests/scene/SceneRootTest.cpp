@@ -1,12 +1,15 @@
-// What both scene roots share outside the walk: construction and the screen/world conversions.
+// What both scene roots share outside the walk: construction, an empty frame and the
+// screen/world conversions.
 
 #include <gtest/gtest.h>
 
 #include "engine/Matrix.h"
 #include "scene/DirectScene2D.h"
 #include "scene/Scene2D.h"
+#include "scene/SceneRoot.h"
 #include "scene/Shaders.h"
 #include "tests/scene/SceneGLTest.h"
+#include "tests/scene/TestNodes.h"
 #include "tests/support/MathChecks.h"
 
 using orvel::mat2;
@@ -18,6 +21,16 @@ namespace {
 void expectVec2(const vec2& v, float x, float y) {
     EXPECT_NEAR(v.x, x, 1e-3f);
     EXPECT_NEAR(v.y, y, 1e-3f);
+}
+
+// A root's screen and world are both w x h, and its default camera looks at their centre.
+void expectScreenWorldAndCamera(const ::SceneRoot& root, int w, int h, float cameraX, float cameraY) {
+    EXPECT_EQ(root.screenWidth, w);
+    EXPECT_EQ(root.screenHeight, h);
+    EXPECT_FLOAT_EQ(root.worldWidth, w);
+    EXPECT_FLOAT_EQ(root.worldHeight, h);
+    EXPECT_FLOAT_EQ(root.defaultCamera.position.x, cameraX);
+    EXPECT_FLOAT_EQ(root.defaultCamera.position.y, cameraY);
 }
 
 } // namespace
@@ -45,22 +58,12 @@ TYPED_TEST_SUITE(SceneRoot, Roots);
 
 TYPED_TEST(SceneRoot, MinusOneTakesTheEngineScreenSize) {
     TypeParam root(-1, -1);
-    EXPECT_EQ(root.screenWidth, 1280);
-    EXPECT_EQ(root.screenHeight, 720);
-    EXPECT_FLOAT_EQ(root.worldWidth, 1280);
-    EXPECT_FLOAT_EQ(root.worldHeight, 720);
-    EXPECT_FLOAT_EQ(root.defaultCamera.position.x, 640);
-    EXPECT_FLOAT_EQ(root.defaultCamera.position.y, 360);
+    expectScreenWorldAndCamera(root, 1280, 720, 640, 360);
 }
 
 TYPED_TEST(SceneRoot, GivenSizesSetScreenWorldAndDefaultCamera) {
     TypeParam root(800, -1);
-    EXPECT_EQ(root.screenWidth, 800);
-    EXPECT_EQ(root.screenHeight, 720);
-    EXPECT_FLOAT_EQ(root.worldWidth, 800);
-    EXPECT_FLOAT_EQ(root.worldHeight, 720);
-    EXPECT_FLOAT_EQ(root.defaultCamera.position.x, 400);
-    EXPECT_FLOAT_EQ(root.defaultCamera.position.y, 360);
+    expectScreenWorldAndCamera(root, 800, 720, 400, 360);
     EXPECT_FLOAT_EQ(root.defaultCamera.zoom, 1);
     EXPECT_FLOAT_EQ(root.defaultCamera.rotation, 0);
 }
@@ -103,14 +106,18 @@ TYPED_TEST(SceneRoot, ConstructionLoadsTheSharedShadersOnce) {
 }
 
 TYPED_TEST(SceneRoot, DeletingARootUnlinksButKeepsItsNodes) {
-    scene_test::RecordingNode a, b;
-    TypeParam* root = new TypeParam(-1, -1);
-    root->add(&a);
-    root->add(&b);
-    delete root;
-    EXPECT_EQ(a.parent, nullptr);
-    EXPECT_EQ(a.next, nullptr);
-    EXPECT_EQ(b.prev, nullptr);
+    RecordingNode a, b;
+    expectDeletingUnlinksBoth(new TypeParam(-1, -1), a, b);
+}
+
+TYPED_TEST(SceneRoot, AnEmptyRootWithoutOutlinesLeavesTheScreenAsItWas) {
+    TypeParam root(-1, -1);
+    root.debugDraw = false;
+    auto p = this->drawOver(root, 10, 20, 30);
+    for (int y = 0; y < 720; y += 37) {
+        for (int x = 0; x < 1280; x += 41)
+            ASSERT_EQ(this->rgbAt(p, x, y), rgb(10, 20, 30)) << x << ", " << y;
+    }
 }
 
 TYPED_TEST(SceneRoot, WorldToScreenMatrixWrapsTheCameraAndScalesLast) {

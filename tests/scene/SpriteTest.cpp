@@ -41,6 +41,15 @@ protected:
         return s;
     }
 
+    // Draws the sheet sprite showing `frame` alone into a black window and reads it back.
+    Pixels drawSheetFrame(int frame) {
+        Sprite* s = sheetSprite(frame);
+        drawFrame(*root);
+        Pixels p = readScreen();
+        delete s;
+        return p;
+    }
+
     DirectScene2D* root = nullptr;
     Texture* sheet = nullptr;
     Texture* white = nullptr;
@@ -115,9 +124,7 @@ TEST_F(SpriteTest, PaddedImageDrawsOnlyItsImageArea) {
     // Texel (x, y) of the 100 x 60 image is (2x, 4y, 90); the padding is transparent black.
     Texture* t = makeTexture(100, 60, [](int x, int y) { return pack(2 * x, 4 * y, 90); });
     Sprite* s = new Sprite(t, -1, -1);
-    s->position = orvel::vec3(160, 120, 0);
-    root->add(s);
-    drawFrame(*root);
+    drawAt(*root, *s, 160, 120);
 
     // Centred at (160, 120): window pixels 110..209 by 90..149, one texel each.
     Pixels p = readScreen();
@@ -133,10 +140,7 @@ TEST_F(SpriteTest, PaddedImageDrawsOnlyItsImageArea) {
 }
 
 TEST_F(SpriteTest, SheetOfFourByTwoShowsColumnOneRowOneForFrameFive) {
-    Sprite* s = sheetSprite(5);
-    drawFrame(*root);
-    EXPECT_TRUE(blockIs(readScreen(), 92, 92, 16, 16, cellColor(1, 1)));
-    delete s;
+    EXPECT_TRUE(blockIs(drawSheetFrame(5), 92, 92, 16, 16, cellColor(1, 1)));
 }
 
 TEST_F(SpriteTest, SheetFramesRunRowMajorFromTheTopLeft) {
@@ -154,10 +158,7 @@ TEST_F(SpriteTest, SheetFramesRunRowMajorFromTheTopLeft) {
 
 TEST_F(SpriteTest, FramePastTheSheetWrapsBackToTheTopRow) {
     // Frame 9 of 4 x 2 is column 1, row 2: below the image, which repeats from its top.
-    Sprite* s = sheetSprite(9);
-    drawFrame(*root);
-    EXPECT_TRUE(blockIs(readScreen(), 92, 92, 16, 16, cellColor(1, 0)));
-    delete s;
+    EXPECT_TRUE(blockIs(drawSheetFrame(9), 92, 92, 16, 16, cellColor(1, 0)));
 }
 
 TEST_F(SpriteTest, SheetIsIgnoredWhenNotAnimated) {
@@ -175,9 +176,7 @@ TEST_F(SpriteTest, SheetIsIgnoredWhenNotAnimated) {
 
 TEST_F(SpriteTest, NullTextureDrawsNothing) {
     Sprite* s = new Sprite(nullptr, 40, 40);
-    s->position = orvel::vec3(100, 100, 0);
-    root->add(s);
-    drawFrame(*root);
+    drawAt(*root, *s, 100, 100);
     EXPECT_TRUE(blockIs(readScreen(), 0, 0, WIDTH, HEIGHT, 0));
     delete s;
 }
@@ -196,9 +195,7 @@ TEST_F(SpriteTest, TexelsAreMultipliedByTheSceneColour) {
 TEST_F(SpriteTest, HotSpotShiftsTheQuadAgainstThePosition) {
     Sprite* s = new Sprite(white, 16, 16);
     s->setHotSpot(TopLeft); // (8, 8): the position is the top-left corner
-    s->position = orvel::vec3(40, 60, 0);
-    root->add(s);
-    drawFrame(*root);
+    drawAt(*root, *s, 40, 60);
     Pixels p = readScreen();
     EXPECT_TRUE(blockIs(p, 40, 60, 16, 16, pack(255, 255, 255)));
     EXPECT_EQ(rgb(p.at(39, 68)), 0u);

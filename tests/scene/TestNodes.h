@@ -1,7 +1,11 @@
 #pragma once
-// Plain scene nodes for tests that need no display: a leaf, a container, and list walkers.
+// Plain scene nodes for tests that need no display: a leaf, a container, list walkers, and the
+// checks every kind of container shares.
 
+#include <cstdint>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "scene/Container.h"
 #include "scene/Drawable.h"
@@ -37,6 +41,28 @@ inline std::vector<Drawable*> backwardWalk(const Container& c, int limit = 16) {
     for (Drawable* d = c.last; d && (int)out.size() < limit; d = d->prev)
         out.push_back(d);
     return out;
+}
+
+// Adds a and b to `parent`, deletes it, and checks that both were unlinked and survive.
+inline void expectDeletingUnlinksBoth(Container* parent, Drawable& a, Drawable& b) {
+    parent->add(&a);
+    parent->add(&b);
+    delete parent;
+    EXPECT_EQ(a.parent, nullptr);
+    EXPECT_EQ(a.next, nullptr);
+    EXPECT_EQ(b.parent, nullptr);
+    EXPECT_EQ(b.prev, nullptr);
+}
+
+// Gives `n` a size of w x h, marks it dirty and updates its size: the dirty bit goes, leaving
+// `cleanFlags`, and the size stays.
+inline void expectUpdateSizeOnlyClearsTheDirtyBit(Drawable& n, float w, float h, uint32_t cleanFlags) {
+    n.setSize(w, h);
+    n.markDirty();
+    n.updateSize();
+    EXPECT_EQ(n.flags, cleanFlags);
+    EXPECT_EQ(n.size.x, w);
+    EXPECT_EQ(n.size.y, h);
 }
 
 } // namespace scene_test

@@ -117,9 +117,7 @@ TEST(Text, FontWithoutImageHasNoSize) {
 
 TEST_F(TextTest, DrawsGlyphCellsFromItsTopLeftCorner) {
     Text* t = new Text(font, "AB");
-    t->position = orvel::vec3(20, 30, 0);
-    root->add(t);
-    drawFrame(*root);
+    drawAt(*root, *t, 20, 30);
 
     Pixels p = readScreen();
     EXPECT_TRUE(blockIs(p, 20, 30, 16, 16, glyphColor('A')));
@@ -134,9 +132,7 @@ TEST_F(TextTest, DrawsGlyphCellsFromItsTopLeftCorner) {
 TEST_F(TextTest, CentredHotSpotCentresTheText) {
     Text* t = new Text(font, "AB");
     t->setHotSpot(Center);
-    t->position = orvel::vec3(100, 100, 0);
-    root->add(t);
-    drawFrame(*root);
+    drawAt(*root, *t, 100, 100);
 
     // 32 x 16 centred at (100, 100): 84..115 by 92..107.
     Pixels p = readScreen();
@@ -180,9 +176,7 @@ TEST_F(TextTest, ChangedFontSizeShowsAtTheNextDrawAroundTheOldHotSpot) {
 
 TEST_F(TextTest, ShorterTextKeepsTheOldHotSpotAndShiftsRight) {
     Text* t = new Text(font, "AB"); // hot spot (16, 8) from the 32 x 16 box
-    t->position = orvel::vec3(20, 30, 0);
-    root->add(t);
-    drawFrame(*root);
+    drawAt(*root, *t, 20, 30);
     t->setText("C");
     drawFrame(*root);
 
@@ -198,9 +192,7 @@ TEST_F(TextTest, TextSetBeforeTheHotSpotIsDrawnFromThatCorner) {
     Text* t = new Text(font, "AB");
     t->setText("C");
     t->setHotSpot(TopLeft);
-    t->position = orvel::vec3(20, 30, 0);
-    root->add(t);
-    drawFrame(*root);
+    drawAt(*root, *t, 20, 30);
 
     Pixels p = readScreen();
     EXPECT_TRUE(blockIs(p, 20, 30, 16, 16, glyphColor('C')));
@@ -211,9 +203,7 @@ TEST_F(TextTest, TextSetBeforeTheHotSpotIsDrawnFromThatCorner) {
 TEST_F(TextTest, FontWithoutImageDrawsNothing) {
     Font empty(nullptr);
     Text* t = new Text(&empty, "AB");
-    t->position = orvel::vec3(20, 30, 0);
-    root->add(t);
-    drawFrame(*root);
+    drawAt(*root, *t, 20, 30);
     EXPECT_TRUE(blockIs(readScreen(), 0, 0, WIDTH, HEIGHT, 0));
     delete t;
 }

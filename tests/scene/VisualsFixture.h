@@ -42,6 +42,13 @@ protected:
         root.draw();
     }
 
+    // Puts `node` at world (x, y) on `root` and draws the root into a black window.
+    static void drawAt(DirectScene2D& root, Drawable& node, float x, float y) {
+        node.position = orvel::vec3(x, y, 0);
+        root.add(&node);
+        drawFrame(root);
+    }
+
     // A texture of w x h whose pixel (x, y) is color(x, y). The caller owns it.
     template <typename F> static orvel::Texture* makeTexture(int w, int h, F color) {
         orvel::Surface image(w, h);
