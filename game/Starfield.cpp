@@ -23,8 +23,6 @@ const float SKY_BRIGHTNESS = 0.82f;
 const float SKY_PERIOD_SCALE = 650000.0f;
 const float SKY_FOV = 50.0f;
 const float PI_F = 3.14159265358979f;
-// Vertices in a star's quad.
-const unsigned QUAD_VERTICES = 4;
 
 } // namespace
 
@@ -127,7 +125,6 @@ void Starfield::drawStars(SceneState& state) {
     glEnable(GL_TEXTURE_2D);
     batch.bindArrays();
 
-    const unsigned batchVertices = STARS_PER_BATCH * QUAD_VERTICES;
     for (unsigned i = 0; i < starCount; ++i) {
         const Star& s = stars[i];
         float hw = 0.5f * starWidth * s.size;
@@ -135,7 +132,7 @@ void Starfield::drawStars(SceneState& state) {
         uint8_t a = (uint8_t)(s.color[3] * s.brightness);
         batch.pushRect(s.x - hw, s.y - hh, s.x + hw, s.y + hh, 0.0f, 0.0f, 1.0f, 1.0f,
                        Color4ub{s.color[0], s.color[1], s.color[2], a});
-        if (batch.vertexCount() == batchVertices) {
+        if (batch.quadCount() == STARS_PER_BATCH) {
             batch.drawQuads();
             batch.clear();
         }

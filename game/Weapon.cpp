@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "engine/Math.h"
-#include "engine/Orvel.h"
 #include "engine/Stack.h"
 #include "game/Enemy.h"
 #include "game/Friend.h"
@@ -13,7 +12,6 @@
 #include "scene/Scene2D.h"
 
 using orvel::Math;
-using orvel::Orvel;
 using orvel::Stack;
 using orvel::vec2;
 

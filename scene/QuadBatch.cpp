@@ -6,12 +6,6 @@
 
 using orvel::vec2;
 
-namespace {
-
-const unsigned QUAD_VERTICES = 4;
-
-} // namespace
-
 QuadBatch::QuadBatch(unsigned quadCapacity) : vertices(quadCapacity * QUAD_VERTICES) {}
 
 void QuadBatch::pushQuad(const vec2& a, const vec2& b, const vec2& c, const vec2& d, const Color4ub& k) {
@@ -39,7 +33,8 @@ void QuadBatch::bindTexture(orvel::Texture* texture) {
 }
 
 void QuadBatch::bindArrays() const {
-    orvel::VertexArrays::bindTextured(&vertices.data->x, &vertices.data->u, &vertices.data->r, (int)sizeof(Vertex));
+    orvel::VertexArrays::bindTextured(&vertices.data->x, &vertices.data->u, &vertices.data->r,
+                                      (int)sizeof(Vertex));
 }
 
 void QuadBatch::drawQuads(unsigned times) const {

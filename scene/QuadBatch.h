@@ -23,13 +23,15 @@ public:
         uint8_t r, g, b, a;
     };
 
+    static const unsigned QUAD_VERTICES = 4;
+
     // Room for `quadCapacity` quads before the block grows.
     explicit QuadBatch(unsigned quadCapacity);
 
     // Forgets the quads and keeps the memory.
     void clear() { vertices.clear(); }
     bool isEmpty() const { return vertices.isEmpty(); }
-    unsigned vertexCount() const { return vertices.count; }
+    unsigned quadCount() const { return vertices.count / QUAD_VERTICES; }
 
     // A quad through corners a, b, c, d in that order, textured (u0, v0) at a, (u1, v0) at b,
     // (u1, v1) at c and (u0, v1) at d.
