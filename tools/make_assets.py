@@ -2,7 +2,7 @@
 """Generates every file the game reads from gfx/, sfx/ and shaders/, and the desktop
 icons in packaging/icons/.
 
-Usage: make_assets.py [--out DIR] [--only art|icons|music|shaders] [--sheet FILE]
+Usage: make_assets.py [--out DIR] [--only art|effects|icons|music|shaders] [--sheet FILE]
 Everything is made from fixed seeds, so two runs give identical files.
 """
 import argparse
@@ -13,10 +13,11 @@ sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent))
 
 import art  # noqa: E402
 import art_icons  # noqa: E402
+import effects  # noqa: E402
 import music  # noqa: E402
 import shaders  # noqa: E402
 
-GENERATORS = {"art": art, "icons": art_icons, "music": music, "shaders": shaders}
+GENERATORS = {"art": art, "effects": effects, "icons": art_icons, "music": music, "shaders": shaders}
 
 
 def main():
