@@ -15,6 +15,7 @@
 #include "game/Powerup.h"
 #include "game/Resources.h"
 #include "game/ScoreCounter.h"
+#include "game/SoundEffects.h"
 #include "game/TextIndicator.h"
 #include "game/WorldWrap.h"
 #include "scene/Group.h"
@@ -175,11 +176,14 @@ bool Enemy::damage(float amount) {
     return false;
 }
 
+SoundEffect Enemy::explosionSound() const { return SFX_SMALL_EXPLOSION; }
+
 void Enemy::attack() { weapon->shoot(vec2(target.x - position.x, target.y - position.y)); }
 
 void Enemy::destroy() {
     hitPoints = 0.0f;
     emitExplosion(ENEMY_EXPLOSION, position, radius);
+    g_sound.playAt(explosionSound(), position);
     g_world->add(g_game->explosionSlice);
 
     if (g_game->scoreCounter) g_game->scoreCounter->addValue(score);
@@ -190,6 +194,7 @@ void Enemy::destroy() {
         if (powerup->drawable && drawable) powerup->drawable->insertBefore(drawable);
         g_game->powerups.push(powerup);
         g_game->actors.push(powerup);
+        g_sound.playAt(SFX_POWERUP_APPEARS, position);
     }
 
     if (drawable) drawable->setVisible(false);
@@ -254,6 +259,8 @@ Hammerhead::Hammerhead()
     spawn();
 }
 
+SoundEffect Hammerhead::explosionSound() const { return SFX_LARGE_EXPLOSION; }
+
 Probe::Probe()
     : EnemyShip(Resources::enemy_probe_tex, Resources::enemy_probe_glow_tex, 82.0f,
                 Stats{32.0f, 195.0f, 0.1f, 15.0f, 100.0f}) {
@@ -271,6 +278,8 @@ Hammerhead2::Hammerhead2()
                 Stats{80.0f, 65.0f, 0.9f, 165.0f, 750.0f}) {
     spawn();
 }
+
+SoundEffect Hammerhead2::explosionSound() const { return SFX_LARGE_EXPLOSION; }
 
 Probe3::Probe3()
     : EnemyShip(Resources::enemy_probe3_tex, Resources::enemy_probe3_glow_tex, 116.0f,

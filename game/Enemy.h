@@ -2,6 +2,7 @@
 // The hostile actors: the Enemy behaviour and its seven types, which differ in art and numbers.
 
 #include "game/Actor.h"
+#include "game/SoundEffects.h"
 
 class EnemyWeapon;
 class Group;
@@ -36,6 +37,8 @@ public:
     virtual void attack();
     // Explosion, score, maybe a powerup; hides the drawable and deletes the enemy.
     virtual void destroy();
+    // The explosion an enemy of this type sounds: small, the big ships' large.
+    virtual SoundEffect explosionSound() const;
 
     EnemyWeapon* weapon;   // owned
     orvel::vec2 target;    // the point the enemy steers to, world units
@@ -101,6 +104,7 @@ public:
 class Hammerhead : public EnemyShip {
 public:
     Hammerhead();
+    SoundEffect explosionSound() const override;
 };
 
 class Probe : public EnemyShip {
@@ -117,6 +121,7 @@ public:
 class Hammerhead2 : public EnemyShip {
 public:
     Hammerhead2();
+    SoundEffect explosionSound() const override;
 };
 
 class Probe3 : public EnemyShip {

@@ -20,6 +20,7 @@
 #include "game/Resources.h"
 #include "game/Reticle.h"
 #include "game/ScoreCounter.h"
+#include "game/SoundEffects.h"
 #include "game/Starfield.h"
 #include "game/TextIndicator.h"
 #include "game/WorldWrap.h"
@@ -204,6 +205,7 @@ void Game::updateWaves() {
             orvel::vec3(Orvel::getScreenWidth() * 0.5f, Orvel::getScreenHeight() * 0.4f, 0.0f);
         gameOverText->color.w = 0.0f;
         g_hud->add(gameOverText);
+        g_sound.play(SFX_GAME_OVER);
     } else if (player->hull > 0.0f) {
         // A dead player with lives left waits for its own respawn: no wave meanwhile.
         if (wave <= 0 || enemies.count > 0) {
@@ -259,6 +261,7 @@ void Game::nextWave() {
     orvel::String line = "Wave " + orvel::strInt(wave);
     line += " incoming";
     TextIndicator::showBanner(line.getCString());
+    g_sound.play(SFX_WAVE_BANNER);
 
     growthA = (float)((double)growthA * 1.07);
     growthB = (float)((double)growthB * 1.002);

@@ -8,6 +8,7 @@
 #include "game/Game.h"
 #include "game/Main.h"
 #include "game/Resources.h"
+#include "game/SoundEffects.h"
 #include "scene/ParticleEmitter.h"
 #include "scene/ParticleSlice.h"
 #include "scene/ParticleSystem.h"
@@ -31,6 +32,13 @@ const ParticleBurst SPARKS = {0, 300, 450, 4.0f, 16.0f, 16.0f, 5.0f, 8.0f, 5.0f,
 // One channel of the beam colour: a fraction of full scale clamped to a byte and truncated.
 uint8_t channel(float scaled) {
     return (uint8_t)(int)orvel::Math::clampf(scaled, 0.0f, 255.0f);
+}
+
+bool anyBeamAlive(const Laser::Beam* beams, float now) {
+    for (unsigned i = 0; i < Laser::BEAMS; ++i) {
+        if (beams[i].finish > now) return true;
+    }
+    return false;
 }
 
 } // namespace
@@ -71,10 +79,12 @@ Laser::~Laser() {
 float Laser::shoot(const vec2& dir) {
     const float allowed = Weapon::shoot(dir);
     if (allowed == 0.0f) return allowed;
+    const float now = (float)Orvel::currentTime;
+    // The ignition sounds when a beam starts with none alive; the hum carries a held beam.
+    if (!anyBeamAlive(beams, now)) g_sound.play(SFX_LASER_START);
     // The ring takes the next beam whatever its state: a 33rd live beam replaces the oldest.
     Beam& b = beams[nextBeam];
     nextBeam = (nextBeam + 1) % BEAMS;
-    const float now = (float)Orvel::currentTime;
     b.color = color;
     b.width = beamWidth;
     b.start = now;
@@ -107,6 +117,8 @@ void Laser::update() {
             b.end = h.point;
             // Damage is per second of contact. A false return means the enemy is gone.
             if (damageTarget(h.actor, g_rand.randf(damageMin, damageMax) * Orvel::sync)) {
+                // A beam that was not burning starts to: the burn sounds where it touches.
+                if (e->rate == 0) g_sound.playAt(SFX_LASER_BURN, h.point);
                 slices.data[i]->insertAfter(h.actor->drawable);
                 e->rate = 300;
                 e->position = h.point;
@@ -121,6 +133,7 @@ void Laser::update() {
         b.width = beamWidth * f;
         b.color.a = (uint8_t)(int)((float)color.a * f);
     }
+    g_sound.hum(anyBeamAlive(beams, now));
 }
 
 void Laser::draw(SceneState&) {

@@ -14,7 +14,9 @@
 #include "engine/Texture.h"
 #include "game/Game.h"
 #include "game/Menu.h"
+#include "game/MixerOutput.h"
 #include "game/Resources.h"
+#include "game/SoundEffects.h"
 #include "scene/DirectScene2D.h"
 #include "scene/Fader.h"
 #include "scene/Scene2D.h"
@@ -60,6 +62,9 @@ const IntroLine INTRO_LINES[] = {
 const int CREDIT_LINE = 10;
 const float INTRO_TOP = 25;
 const float INTRO_SPACING = 9;
+
+// The effects' chunks on the open device; g_sound plays through it once they are loaded.
+MixerOutput effectOutput;
 
 bool startInput() {
     return Orvel::keyPressed(SDLK_RETURN) || Orvel::keyPressed(SDLK_SPACE) || Orvel::keyPressed(SDLK_KP_ENTER) ||
@@ -117,16 +122,29 @@ Apology::Apology() : lines(128) {
     }
 }
 
-void loadMusic() {
+bool loadMusic() {
     const char* path = "sfx/music1.ogg";
     SDL_InitSubSystem(SDL_INIT_AUDIO);
+    // Stereo with a 1024-frame buffer (23 ms): effects are placed left and right and heard when
+    // they happen; a mono device with a 1.5 s buffer could do neither. The music sounds the same.
     // Without a device nothing could play the track, so it is not loaded at all.
-    if (Mix_OpenAudio(44100, AUDIO_S16LSB, 1, 65536) != 0) {
+    if (Mix_OpenAudio(44100, AUDIO_S16LSB, 2, 1024) != 0) {
         fprintf(stderr, "Could not open audio: %s\n", Mix_GetError());
-        return;
+        return false;
     }
     music = Mix_LoadMUS(path);
     if (!music) fprintf(stderr, "Could not load %s: %s\n", path, Mix_GetError());
+    return true;
+}
+
+void loadSoundEffects() {
+    effectOutput.load("sfx");
+    g_sound.setOutput(&effectOutput);
+}
+
+void startAudio() {
+    // Without a device no mixer call is made for the effects at all.
+    if (loadMusic()) loadSoundEffects();
 }
 
 void startUp() {
@@ -151,7 +169,7 @@ void startUp() {
     g_world->debugDraw = false;
     g_hud->debugDraw = false;
     g_apology = new Apology();
-    loadMusic();
+    startAudio();
 
     printf("Used texture memory: %f megabytes\n", (double)((float)Texture::usedMemory * (1.0f / 1048576.0f)));
     fflush(stdout);
@@ -174,6 +192,7 @@ void runFrameLogic() {
     if (g_fader->done() && Orvel::keyPressed(SDLK_ESCAPE)) {
         fadeToBlack();
         Mix_FadeOutMusic(950);
+        g_sound.fadeOutAll(950);
         runlevel = RUNLEVEL_FADING_OUT;
     }
     if (Orvel::keyPressed(SDLK_F1)) saveScreenshot();

@@ -44,10 +44,15 @@ public:
 // The intro screen while it is shown; null once the game has started.
 extern Apology* g_apology;
 
-// Opens audio (44.1 kHz, 16-bit, mono) and loads the music. A missing device or a track that will
-// not load leaves the game silent, with one line on standard error ("Could not open audio: ..."
-// or "Could not load sfx/music1.ogg: ...").
-void loadMusic();
+// Opens audio (44.1 kHz, 16-bit, stereo) and loads the music. A missing device or a track that
+// will not load leaves the game silent, with one line on standard error ("Could not open audio:
+// ..." or "Could not load sfx/music1.ogg: ..."). True when the device opened.
+bool loadMusic();
+// Loads the sound effects from sfx/ onto the open device and plays g_sound through them; each
+// file that will not load prints one line on standard error and stays silent.
+void loadSoundEffects();
+// loadMusic, then loadSoundEffects when the device opened.
+void startAudio();
 
 // Start-up: window, resources, scene roots, fader, intro screen, music, memory report.
 void startUp();

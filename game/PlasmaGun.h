@@ -3,6 +3,7 @@
 
 #include "engine/Vector.h"
 #include "game/ProjectileRing.h"
+#include "game/SoundEffects.h"
 #include "scene/Drawable.h"
 
 // The numbers that make one plasma gun.
@@ -15,6 +16,8 @@ struct PlasmaSettings {
     Color4ub color;       // of every projectile
     orvel::vec4 sparkMin; // colour range of the sparks a hit throws
     orvel::vec4 sparkMax;
+    SoundEffect shotSound; // at the muzzle, for every shot
+    SoundEffect hitSound;  // where a shot hits a target that lives on
 };
 
 // Base is Weapon (shots hit the enemies) or EnemyWeapon (shots hit the friends).
@@ -25,7 +28,9 @@ public:
     // The ring's slots and slices on g_game's particle system, which must exist.
     explicit PlasmaGun(const PlasmaSettings& settings)
         : ring(settings.initialShots, settings.color, settings.shotRadius, settings.sparkMin,
-               settings.sparkMax) {
+               settings.sparkMax),
+          shotSound(settings.shotSound) {
+        ring.hitSound = settings.hitSound;
         this->damageMin = settings.damageMin;
         this->damageMax = settings.damageMax;
         this->rate = settings.rate;
@@ -39,7 +44,10 @@ public:
     // instead of refusing the shot.
     float shoot(const orvel::vec2& dir) override {
         const float allowed = Base::shoot(dir);
-        if (allowed != 0.0f) ring.fire(orvel::vec2(this->position.x, this->position.y), dir);
+        if (allowed == 0.0f) return allowed;
+        const orvel::vec2 muzzle(this->position.x, this->position.y);
+        ring.fire(muzzle, dir);
+        g_sound.playAt(shotSound, muzzle);
         return allowed;
     }
     // Moves every live shot; a shot that hits ends, damages its target and sparks.
@@ -50,4 +58,5 @@ public:
     void growArray() { ring.grow(); }
 
     ProjectileRing ring;
+    SoundEffect shotSound;
 };

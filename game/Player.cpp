@@ -15,6 +15,7 @@
 #include "game/Main.h"
 #include "game/Plasma.h"
 #include "game/Resources.h"
+#include "game/SoundEffects.h"
 #include "game/TextIndicator.h"
 #include "scene/DirectScene2D.h"
 #include "scene/Group.h"
@@ -259,7 +260,10 @@ void Player::updateLooks(float now) {
 bool Player::damage(float amount) {
     if ((float)Orvel::currentTime < spawnEnd) return true;
     hull -= amount;
-    if (hull > 0.0f) return true;
+    if (hull > 0.0f) {
+        g_sound.play(SFX_PLAYER_HIT);
+        return true;
+    }
     hull = 1.0f;
     destroy();
     return false;
@@ -269,6 +273,7 @@ void Player::destroy() {
     const float now = (float)Orvel::currentTime;
 
     hull = 0.0f;
+    g_sound.play(SFX_PLAYER_DEATH);
     emitExplosion(PLAYER_BLUE_BURST, position, radius);
     emitExplosion(PLAYER_FIRE_BURST, position, radius);
     if (g_world) g_world->add(g_game->explosionSlice);
@@ -302,6 +307,7 @@ void Player::spawn() {
     hull = SPAWN_HULL;
     spawnStart = now;
     spawnEnd = now + GROW_TIME;
+    g_sound.play(SFX_RESPAWN);
 
     g_game->lives -= 1;
     orvel::String line = orvel::strInt(g_game->lives);

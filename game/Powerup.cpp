@@ -10,6 +10,7 @@
 #include "game/Player.h"
 #include "game/Resources.h"
 #include "game/ScoreCounter.h"
+#include "game/SoundEffects.h"
 #include "game/TextIndicator.h"
 #include "scene/Fader.h"
 #include "scene/Group.h"
@@ -125,6 +126,7 @@ void Powerup::collect() {
         colourMade = true;
     }
     Player* player = g_game->player;
+    g_sound.play(SFX_POWERUP_COLLECTED, kind);
     orvel::String message;
     switch (kind) {
     case UPGRADE: {
@@ -167,6 +169,7 @@ void Powerup::collect() {
         break;
     }
     case MEGA_NUKE: {
+        g_sound.play(SFX_MEGANUKE);
         if (player) g_game->killEnemiesInRadius(player->position, g_rand.randf(720.0f, 820.0f));
         const float d = g_rand.randf(950.0f, 1250.0f);
         if (g_fader) {

@@ -45,7 +45,7 @@ ProjectileRing::ProjectileRing(unsigned initialShots, const Color4ub& color, flo
                                const vec4& sparkMin, const vec4& sparkMax)
     : shots(newShots(initialShots)), shotCapacity(initialShots), slices(initialShots),
       texture(Resources::plasmabullet_tex), color(color), shotCursor(0), shotRadius(shotRadius),
-      shotSpeed(SHOT_SPEED), shotLife(SHOT_LIFE), overdraw(OVERDRAW), sparks(SPARKS) {
+      shotSpeed(SHOT_SPEED), shotLife(SHOT_LIFE), overdraw(OVERDRAW), sparks(SPARKS), hitSound(SFX_NONE) {
     sparks.colorA = sparkMin;
     sparks.colorB = sparkMax;
     for (unsigned i = 0; i < shotCapacity; ++i) slices.push(g_game->particles->createSlice(true, false));
@@ -104,6 +104,7 @@ void ProjectileRing::update(Gun& gun) {
             if (gun.damageTarget(h.actor, g_rand.randf(gun.damageMin, gun.damageMax))) {
                 slices.data[i]->insertAfter(h.actor->drawable);
                 g_game->particles->emit(slices.data[i], sparks, h.point, h.point - shot.position);
+                g_sound.playAt(hitSound, h.point);
             }
         }
         shot.position += step;

@@ -6,6 +6,7 @@
 
 #include "engine/Stack.h"
 #include "engine/Vector.h"
+#include "game/SoundEffects.h"
 #include "scene/Drawable.h"
 #include "scene/ParticleSystem.h"
 
@@ -59,4 +60,5 @@ public:
     int shotLife;                        // ms
     unsigned overdraw;                   // times the batch is drawn per matrix
     ParticleBurst sparks;                // thrown on a hit that the target survives
+    SoundEffect hitSound;                // played there too; SFX_NONE by default
 };
