@@ -1,12 +1,19 @@
 // Frame benchmarks of a real game session: the game logic of a frame and a whole frame at
 // waves 1, 9 and 17, each after 120 warm-up frames, with the median and 99th percentile frame
-// time and the heap allocations per measured frame as counters.
+// time and the heap allocations per measured frame as counters. The sound rows play the music
+// and the effects through the mixer on SDL's dummy audio driver, which mixes in real time on its
+// own thread; that thread's CPU time per 16.7 ms of sound is the mixing cost of a frame.
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <cstddef>
+#include <cstdlib>
+#include <ctime>
 #include <vector>
 
+#include <SDL/SDL.h>
+#include <SDL/SDL_mixer.h>
 #include <benchmark/benchmark.h>
 
 #include "bench/BenchSession.h"
@@ -14,6 +21,8 @@
 #include "engine/Orvel.h"
 #include "game/Game.h"
 #include "game/Main.h"
+#include "game/MixerOutput.h"
+#include "game/SoundEffects.h"
 #include "tests/support/AllocationCounter.h"
 
 namespace {
@@ -31,11 +40,105 @@ double percentile(const std::vector<double>& sorted, double fraction) {
     return sorted[rank - 1];
 }
 
+// The mixer's output as the game has it, counting the effects started through it.
+class CountingOutput : public SoundOutput {
+public:
+    explicit CountingOutput(MixerOutput& mixer) : mixer(mixer), plays(0) {}
+    uint32_t length(SoundEffect effect, int variant) const override { return mixer.length(effect, variant); }
+    void play(const SoundPlay& p) override {
+        ++plays;
+        mixer.play(p);
+    }
+    void stop(int channel, int ms) override { mixer.stop(channel, ms); }
+    void fadeOutAll(int ms) override { mixer.fadeOutAll(ms); }
+
+    MixerOutput& mixer;
+    unsigned plays;
+};
+
+// CPU time of the audio thread, read at the end of every mix: the difference between two reads
+// is the work of one buffer, the mixing included.
+std::atomic<long long> mixNanoseconds(0);
+std::atomic<long long> mixBuffers(0);
+long long lastMixRead = -1;
+
+long long threadCpuNanoseconds() {
+    timespec t{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
+    return (long long)t.tv_sec * 1000000000LL + t.tv_nsec;
+}
+
+void readMixTime(void*, Uint8*, int) {
+    const long long now = threadCpuNanoseconds();
+    if (lastMixRead >= 0) {
+        mixNanoseconds += now - lastMixRead;
+        ++mixBuffers;
+    }
+    lastMixRead = now;
+}
+
+// The game's audio for the length of a scenario: the device opened as the game opens it, on SDL's
+// dummy driver, the music looping and g_sound playing the effects; all closed again at the end.
+class SoundOn {
+public:
+    static const int BUFFER_FRAMES = 1024;
+
+    SoundOn() : output(mixer), open(false) {
+        setenv("SDL_AUDIODRIVER", "dummy", 1);
+        if (SDL_InitSubSystem(SDL_INIT_AUDIO) != 0) return;
+        if (Mix_OpenAudio(44100, AUDIO_S16LSB, 2, BUFFER_FRAMES) != 0) return;
+        open = true;
+        mixer.load("sfx");
+        music = Mix_LoadMUS("sfx/music1.ogg");
+        if (music) Mix_PlayMusic(music, -1);
+        g_sound.setOutput(&output);
+        Mix_SetPostMix(readMixTime, nullptr);
+    }
+    ~SoundOn() {
+        g_sound.setOutput(nullptr);
+        if (open) {
+            Mix_SetPostMix(nullptr, nullptr);
+            Mix_HaltChannel(-1);
+            Mix_HaltMusic();
+            if (music) Mix_FreeMusic(music);
+            music = nullptr;
+            Mix_CloseAudio();
+        }
+        SDL_QuitSubSystem(SDL_INIT_AUDIO);
+    }
+    // Starts counting the mixing time afresh.
+    void restartMixClock() {
+        SDL_LockAudio();
+        mixNanoseconds = 0;
+        mixBuffers = 0;
+        lastMixRead = -1;
+        SDL_UnlockAudio();
+    }
+    // The audio thread's CPU time per 1000 / 60 ms of sound, in microseconds.
+    double mixMicrosecondsPerFrame() const {
+        if (mixBuffers == 0) return 0.0;
+        const double perBuffer = (double)mixNanoseconds / (double)mixBuffers / 1000.0;
+        return perBuffer * (44100.0 / 60.0) / BUFFER_FRAMES;
+    }
+
+    MixerOutput mixer;
+    CountingOutput output;
+    bool open;
+};
+
 // Plays the session at wave state.range(0): warm-up, then one measured frame per iteration.
-// Only the frame itself is timed; the script's input and the counting stay outside.
-void runScenario(benchmark::State& state, void (BenchSession::*frameOf)(), bool explosive = false) {
+// Only the frame itself is timed; the script's input and the counting stay outside. With
+// `sound`, the music and the effects play as in the game.
+void runScenario(benchmark::State& state, void (BenchSession::*frameOf)(), bool explosive = false,
+                 bool sound = false) {
     if (!orvel::Orvel::window) {
         state.SkipWithError("no window");
+        return;
+    }
+    SoundOn* audio = sound ? new SoundOn() : nullptr;
+    if (audio && !audio->open) {
+        delete audio;
+        state.SkipWithError("no audio device");
         return;
     }
     BenchSession session((int)state.range(0), explosive);
@@ -48,6 +151,10 @@ void runScenario(benchmark::State& state, void (BenchSession::*frameOf)(), bool 
     ms.reserve((size_t)state.max_iterations);
     size_t allocations = 0;
     double particles = 0.0;
+    if (audio) {
+        audio->output.plays = 0;
+        audio->restartMixClock();
+    }
     for (auto _ : state) {
         session.prepareFrame();
         const size_t before = testing_support::allocationCount();
@@ -68,6 +175,11 @@ void runScenario(benchmark::State& state, void (BenchSession::*frameOf)(), bool 
     state.counters["allocs/frame"] = frames > 0 ? (double)allocations / frames : 0.0;
     state.counters["enemies"] = (double)g_game->enemies.count;
     state.counters["particles"] = frames > 0 ? particles / frames : 0.0;
+    if (audio) {
+        state.counters["plays/frame"] = frames > 0 ? (double)audio->output.plays / frames : 0.0;
+        state.counters["mix_us/frame"] = audio->mixMicrosecondsPerFrame();
+        delete audio;
+    }
 }
 
 // Game::update alone.
@@ -90,6 +202,16 @@ void FullFrameExplosions(benchmark::State& state) {
     runScenario(state, &BenchSession::fullFrame, true);
 }
 
+// The explosive wave-17 fight with the music and every effect playing: the game's side of the
+// sound in the frame time, the mixer's in mix_us/frame.
+void LogicSound(benchmark::State& state) {
+    runScenario(state, &BenchSession::logic, true, true);
+}
+
+void FullFrameSound(benchmark::State& state) {
+    runScenario(state, &BenchSession::fullFrame, true, true);
+}
+
 void waves(benchmark::internal::Benchmark* b) {
     b->ArgName("wave")->Arg(1)->Arg(9)->Arg(17);
     b->Iterations(MEASURED_FRAMES)->UseManualTime()->Unit(benchmark::kMillisecond);
@@ -102,6 +224,8 @@ BENCHMARK(FullFrame)->Apply(waves);
 // Fewer measured frames: a kill every third frame would empty the swarm within 700 frames.
 BENCHMARK(LogicExplosions)->ArgName("wave")->Arg(17)->Iterations(EXPLOSIVE_FRAMES)->UseManualTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(FullFrameExplosions)->ArgName("wave")->Arg(17)->Iterations(EXPLOSIVE_FRAMES)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(LogicSound)->ArgName("wave")->Arg(17)->Iterations(EXPLOSIVE_FRAMES)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(FullFrameSound)->ArgName("wave")->Arg(17)->Iterations(EXPLOSIVE_FRAMES)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);

@@ -30,7 +30,7 @@ const float OWN_PITCH[] = {1.0f};
 // The ship's own sounds are few and never placed; world sounds are many, so each has a cap and
 // an interval that keep a full wave from turning into noise. The levels leave the music room.
 const EffectSettings SETTINGS[SFX_COUNT] = {
-    {"plasma_shot.wav", 0.55f, 2, 60, true, 1, OWN_PITCH},
+    {"plasma_shot.wav", 0.7f, 2, 60, true, 1, OWN_PITCH},
     {"laser_start.wav", 0.7f, 1, 100, true, 1, OWN_PITCH},
     {"laser_loop.wav", 0.45f, 1, 0, true, 1, OWN_PITCH},
     {"enemy_shot.wav", 0.5f, 4, 70, false, 1, OWN_PITCH},

@@ -1,0 +1,137 @@
+// What the player hears, for real: the game runs on SDL's disk audio driver, which writes the
+// mixed output (stereo, 16-bit, 44.1 kHz) to a file in real time, and the file is measured.
+
+#include <cmath>
+#include <cstdint>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "tests/support/GameProcess.h"
+#include "tests/support/XDriver.h"
+
+using e2e::GameProcess;
+using e2e::Surroundings;
+
+namespace {
+
+const double RATE = 44100.0;
+const int FRAME_BYTES = 4; // two 16-bit channels
+
+// The plasma shot's band, 1 to 2 kHz, where it has three quarters of its energy and the music
+// (its kick, bass and pads lower down) about a thirtieth of its own.
+const double BAND_CENTRE = 1414.0;
+const double BAND_Q = 1.414;
+
+// Bytes the game has written to `file` so far, down to a whole frame.
+long long writtenBytes(const std::string& file) {
+    struct stat s {};
+    if (stat(file.c_str(), &s) != 0) return 0;
+    return (long long)s.st_size / FRAME_BYTES * FRAME_BYTES;
+}
+
+struct Recording {
+    std::vector<int16_t> samples; // left, right, left, ...
+    long long windowStart = 0;    // bytes written when the window opened and closed
+    long long windowEnd = 0;
+    int exitStatus = -1;
+};
+
+// Plays from the intro into the game with the pointer to the ship's right, waits until the ship
+// has grown in, then opens a two-second window, holding the left button through it when `fire`,
+// and quits with Escape.
+void record(bool fire, Recording& r) {
+    Surroundings dir;
+    dir.linkData();
+    const std::string file = dir.path() + "/audio.raw";
+    GameProcess game(dir.path(), {"SDL_AUDIODRIVER=disk", "SDL_DISKAUDIOFILE=" + file, "SDL_DISKAUDIODELAY=23"});
+    ASSERT_TRUE(game.waitForOutput("megabytes\n")) << game.output() << game.errors();
+    e2e::pause(300);
+    game.moveMouse(900, 360);
+    game.holdKey("Return");
+    // One second to black, half a second in; the ship grows in for a second after that. The
+    // first wave (and its banner) comes five seconds after the game starts, after the window.
+    e2e::pause(2500);
+    ASSERT_TRUE(game.isRunning());
+    r.windowStart = writtenBytes(file);
+    if (fire) game.pressButton(1);
+    e2e::pause(2000);
+    r.windowEnd = writtenBytes(file);
+    if (fire) game.releaseButton(1);
+    game.holdKey("Escape");
+    r.exitStatus = game.waitForExit();
+
+    std::ifstream in(file, std::ios::binary);
+    const std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    r.samples.resize(bytes.size() / 2);
+    for (size_t i = 0; i < r.samples.size(); ++i)
+        r.samples[i] = (int16_t)((uint8_t)bytes[2 * i] | (uint8_t)bytes[2 * i + 1] << 8);
+}
+
+// Mean square, in full scale, of the window's mono mix after a band-pass filter around
+// BAND_CENTRE (a second-order filter with 0 dB at its centre).
+double bandEnergy(const Recording& r) {
+    const double w0 = 2.0 * M_PI * BAND_CENTRE / RATE;
+    const double alpha = std::sin(w0) / (2.0 * BAND_Q);
+    const double a0 = 1.0 + alpha;
+    const double b0 = alpha / a0, b2 = -alpha / a0, a1 = -2.0 * std::cos(w0) / a0, a2 = (1.0 - alpha) / a0;
+    double x1 = 0, x2 = 0, y1 = 0, y2 = 0, sum = 0;
+    const size_t first = (size_t)(r.windowStart / FRAME_BYTES), last = (size_t)(r.windowEnd / FRAME_BYTES);
+    for (size_t f = first; f < last && 2 * f + 1 < r.samples.size(); ++f) {
+        const double x = (r.samples[2 * f] + r.samples[2 * f + 1]) / 65536.0;
+        const double y = b0 * x + b2 * x2 - a1 * y1 - a2 * y2;
+        x2 = x1;
+        x1 = x;
+        y2 = y1;
+        y1 = y;
+        sum += y * y;
+    }
+    return last > first ? sum / (double)(last - first) : 0.0;
+}
+
+// Mean square of the window's mono mix, full band.
+double energy(const Recording& r) {
+    double sum = 0;
+    const size_t first = (size_t)(r.windowStart / FRAME_BYTES), last = (size_t)(r.windowEnd / FRAME_BYTES);
+    for (size_t f = first; f < last && 2 * f + 1 < r.samples.size(); ++f) {
+        const double x = (r.samples[2 * f] + r.samples[2 * f + 1]) / 65536.0;
+        sum += x * x;
+    }
+    return last > first ? sum / (double)(last - first) : 0.0;
+}
+
+// Frames in the window whose two sides differ.
+int offCentreFrames(const Recording& r) {
+    int n = 0;
+    for (long long f = r.windowStart / FRAME_BYTES; f < r.windowEnd / FRAME_BYTES; ++f)
+        n += r.samples[2 * f] != r.samples[2 * f + 1];
+    return n;
+}
+
+} // namespace
+
+TEST(Sound, HoldingFireAddsTheShotsAboveTheMusic) {
+    Recording quiet, firing;
+    ASSERT_NO_FATAL_FAILURE(record(false, quiet));
+    ASSERT_NO_FATAL_FAILURE(record(true, firing));
+    EXPECT_EQ(quiet.exitStatus, 0);
+    EXPECT_EQ(firing.exitStatus, 0);
+    // Written in real time: the two-second windows hold close to two seconds of sound.
+    for (const Recording* r : {&quiet, &firing}) {
+        const double seconds = (double)(r->windowEnd - r->windowStart) / FRAME_BYTES / RATE;
+        EXPECT_GT(seconds, 1.5);
+        EXPECT_LT(seconds, 2.6);
+    }
+    // The music plays in both.
+    EXPECT_GT(energy(quiet), 1e-3);
+    EXPECT_GT(energy(firing), 1e-3);
+    // Ten shots of plasma: clearly above the music in the shots' band.
+    const double ratio = bandEnergy(firing) / bandEnergy(quiet);
+    EXPECT_GT(ratio, 2.0) << "firing " << bandEnergy(firing) << ", music alone " << bandEnergy(quiet);
+    // No enemy is near yet: the music and the ship's own sounds are all centred.
+    EXPECT_EQ(offCentreFrames(quiet), 0);
+    EXPECT_EQ(offCentreFrames(firing), 0);
+}
