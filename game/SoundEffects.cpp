@@ -28,7 +28,9 @@ const float CHIME_PITCHES[] = {1.4983071f, 1.0f, 1.1892071f, 1.3348399f, 0.89089
 const float OWN_PITCH[] = {1.0f};
 
 // The ship's own sounds are few and never placed; world sounds are many, so each has a cap and
-// an interval that keep a full wave from turning into noise. The levels leave the music room.
+// an interval that keep a full wave from turning into noise. The levels leave the music room:
+// in a wave-17 fight the effects together stay about a decibel below it, and the loudest files
+// (the long tones of the banner and the game over) play at 0.7.
 const EffectSettings SETTINGS[SFX_COUNT] = {
     {"plasma_shot.wav", 0.7f, 2, 60, true, 1, OWN_PITCH},
     {"laser_start.wav", 0.7f, 1, 100, true, 1, OWN_PITCH},
@@ -39,13 +41,13 @@ const EffectSettings SETTINGS[SFX_COUNT] = {
     {"explosion_small.wav", 0.8f, 5, 40, false, 4, EXPLOSION_PITCHES},
     {"explosion_large.wav", 0.9f, 3, 60, false, 4, EXPLOSION_PITCHES},
     {"player_hit.wav", 0.8f, 1, 120, true, 1, OWN_PITCH},
-    {"player_death.wav", 1.0f, 1, 0, true, 1, OWN_PITCH},
+    {"player_death.wav", 0.85f, 1, 0, true, 1, OWN_PITCH},
     {"respawn.wav", 0.8f, 1, 0, true, 1, OWN_PITCH},
     {"powerup_appear.wav", 0.7f, 2, 80, false, 1, OWN_PITCH},
     {"powerup_collect.wav", 0.8f, 2, 0, true, 7, CHIME_PITCHES},
-    {"meganuke.wav", 1.0f, 1, 0, true, 1, OWN_PITCH},
-    {"wave_banner.wav", 0.85f, 1, 0, true, 1, OWN_PITCH},
-    {"game_over.wav", 1.0f, 1, 0, true, 1, OWN_PITCH},
+    {"meganuke.wav", 0.8f, 1, 0, true, 1, OWN_PITCH},
+    {"wave_banner.wav", 0.7f, 1, 0, true, 1, OWN_PITCH},
+    {"game_over.wav", 0.7f, 1, 0, true, 1, OWN_PITCH},
 };
 
 const int MIX_MAX_VOLUME = 128;
