@@ -54,7 +54,8 @@ void loadSoundEffects();
 // loadMusic, then loadSoundEffects when the device opened.
 void startAudio();
 
-// Start-up: window, resources, scene roots, fader, intro screen, music, memory report.
+// Start-up: window, resources, scene roots, fader, intro screen, music and sound effects, memory
+// report.
 void startUp();
 // One pass of the main loop: draw, end the frame, then the runlevel's logic and the global keys.
 void runFrame();

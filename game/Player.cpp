@@ -293,6 +293,8 @@ void Player::destroy() {
     } else {
         // Gone for good: the session sees hull 0 with no lives and ends the game.
         g_game->actors.remove(static_cast<Actor*>(this));
+        // Its laser is updated no more, so a hum it carries would never end.
+        g_sound.hum(false);
         if (drawable) drawable->remove();
     }
 

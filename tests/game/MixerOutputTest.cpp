@@ -212,7 +212,7 @@ TEST_F(MixerOutputTest, CorruptEffectsAreReportedOneLineEachAndStaySilent) {
     std::ofstream("sfx/explosion_small.wav", std::ios::binary) << noise;
     ASSERT_EQ(unlink("sfx/game_over.wav"), 0);
     std::string header("RIFF\x24\x00\x00\x00WAVEfmt \x10\x00\x00\x00\x63\x00\x01\x00\x44\xac\x00\x00\x88\x58\x01\x00"
-                       "\x02\x00\x10\x00data\x00\x00\x00\x00",
+                       "\x02\x00\x10\x00" "data" "\x00\x00\x00\x00",
                        44);
     std::ofstream("sfx/game_over.wav", std::ios::binary) << header;
     const std::string errors = errorsOfLoad();

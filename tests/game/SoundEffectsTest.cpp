@@ -409,6 +409,20 @@ TEST_F(SoundEffectsTest, GameOverSoundsOnce) {
     EXPECT_EQ(out.effects(), (std::vector<SoundEffect>{SFX_PLAYER_DEATH, SFX_GAME_OVER}));
 }
 
+TEST_F(SoundEffectsTest, TheLastDeathEndsTheLasersHum) {
+    startGrownIn();
+    frame(RIGHT_BUTTON);
+    ASSERT_EQ(out.count(SFX_LASER_HUM), 1);
+    g_game->lives = 0;
+    player->damage(1000.0f);
+    ASSERT_EQ(out.stops.size(), 1u);
+    EXPECT_EQ(out.stops[0].channel, SoundEffects::HUM_CHANNEL);
+    // The beam's 650 ms pass without a word from the laser, which is no longer updated.
+    for (int i = 0; i < 60; ++i) frame();
+    EXPECT_EQ(out.stops.size(), 1u);
+    EXPECT_EQ(out.count(SFX_LASER_HUM), 1);
+}
+
 TEST_F(SoundEffectsTest, EscapeFadesTheEffectsWithTheMusic) {
     startGrownIn();
     runlevel = RUNLEVEL_GAME;
