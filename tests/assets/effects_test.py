@@ -27,11 +27,9 @@ import pathlib
 import sys
 
 import numpy as np
-import soundfile
 
-from music_test import seam_failures
+from music_test import RATE, read_mono, seam_failures
 
-RATE = 44100
 EFFECTS = (
     "plasma_shot", "laser_start", "laser_loop", "enemy_shot", "plasma_spark", "laser_burn",
     "explosion_small", "explosion_large", "player_hit", "player_death", "respawn",
@@ -106,19 +104,9 @@ def check(path, name):
     if not path.is_file():
         return ["missing"], None
     try:
-        info = soundfile.info(str(path))
-        x, rate = soundfile.read(str(path), dtype="float64", always_2d=True)
+        failures, x, rate = read_mono(path, "WAV", "PCM_16")
     except Exception as error:  # noqa: BLE001 - any decoding failure is the finding
         return [f"does not decode: {error}"], None
-
-    failures = []
-    if info.format != "WAV" or info.subtype != "PCM_16":
-        failures.append(f"format {info.format}/{info.subtype}, expected WAV/PCM_16")
-    if rate != RATE:
-        failures.append(f"sample rate {rate} Hz, expected {RATE}")
-    if x.shape[1] != 1:
-        failures.append(f"{x.shape[1]} channels, expected 1")
-    x = x[:, 0]
     seconds = len(x) / rate
     longest = MAX_FINALE_SECONDS if name in FINALES else MAX_SECONDS
     if not MIN_SECONDS < seconds <= longest:

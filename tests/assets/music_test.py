@@ -61,26 +61,31 @@ def seam_failures(x):
     return failures
 
 
+def read_mono(path, expected_format, expected_subtype):
+    """Decodes `path`; returns the failures of its format (container and encoding, 44.1 kHz,
+    one channel), its first channel's samples and its rate. Raises what the decoder raises."""
+    info = soundfile.info(str(path))
+    x, rate = soundfile.read(str(path), dtype="float64", always_2d=True)
+    failures = []
+    if info.format != expected_format or info.subtype != expected_subtype:
+        failures.append(f"format {info.format}/{info.subtype}, expected {expected_format}/{expected_subtype}")
+    if rate != RATE:
+        failures.append(f"sample rate {rate} Hz, expected {RATE}")
+    if x.shape[1] != 1:
+        failures.append(f"{x.shape[1]} channels, expected 1")
+    return failures, x[:, 0], rate
+
+
 def main():
     if len(sys.argv) != 2:
         print(__doc__.strip().splitlines()[2], file=sys.stderr)
         return 2
     path = sys.argv[1]
     try:
-        info = soundfile.info(path)
-        x, rate = soundfile.read(path, dtype="float64", always_2d=True)
+        failures, x, rate = read_mono(path, "OGG", "VORBIS")
     except Exception as error:  # noqa: BLE001 - any decoding failure is the finding
         print(f"{path}: does not decode: {error}", file=sys.stderr)
         return 1
-
-    failures = []
-    if info.format != "OGG" or info.subtype != "VORBIS":
-        failures.append(f"format {info.format}/{info.subtype}, expected OGG/VORBIS")
-    if rate != RATE:
-        failures.append(f"sample rate {rate} Hz, expected {RATE}")
-    if x.shape[1] != 1:
-        failures.append(f"{x.shape[1]} channels, expected 1")
-    x = x[:, 0]
     seconds = len(x) / rate
     if not MIN_SECONDS <= seconds <= MAX_SECONDS:
         failures.append(f"lasts {seconds:.1f} s, expected {MIN_SECONDS:g} to {MAX_SECONDS:g} s")

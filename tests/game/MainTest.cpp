@@ -21,6 +21,7 @@
 #include "scene/Fader.h"
 #include "scene/Scene2D.h"
 #include "scene/Text.h"
+#include "tests/support/AudioDirectory.h"
 #include "tests/support/GLFixture.h"
 
 using orvel::Orvel;
@@ -207,29 +208,9 @@ TEST_F(RunlevelTest, IntroHasThirteenCentredLinesAndTheCreditFromTheCentre) {
 
 namespace {
 
-// A working directory of its own with an sfx/ folder, and the dummy audio driver unless a test
-// names another; audio is closed and the track freed again after each test.
-class LoadMusicTest : public ::testing::Test {
+// A working directory of its own with an sfx/ folder (see AudioDirectoryTest).
+class LoadMusicTest : public testing_support::AudioDirectoryTest {
 protected:
-    void SetUp() override {
-        char pattern[] = "/tmp/nightvector-music-XXXXXX";
-        ASSERT_NE(mkdtemp(pattern), nullptr);
-        dir = pattern;
-        ASSERT_EQ(mkdir((dir + "/sfx").c_str(), 0755), 0);
-        ASSERT_NE(getcwd(cwd, sizeof cwd), nullptr);
-        ASSERT_EQ(chdir(dir.c_str()), 0);
-        setenv("SDL_AUDIODRIVER", "dummy", 1);
-    }
-    void TearDown() override {
-        if (music) Mix_FreeMusic(music);
-        music = nullptr;
-        Mix_CloseAudio();
-        SDL_QuitSubSystem(SDL_INIT_AUDIO);
-        unsetenv("SDL_AUDIODRIVER");
-        EXPECT_EQ(chdir(cwd), 0);
-        EXPECT_EQ(system(("rm -rf '" + dir + "'").c_str()), 0);
-    }
-
     void writeTrack(const std::string& bytes) { std::ofstream("sfx/music1.ogg", std::ios::binary) << bytes; }
 
     // What loadMusic wrote on standard error.
@@ -239,14 +220,12 @@ protected:
         return testing::internal::GetCapturedStderr();
     }
 
-    std::string dir;
-    char cwd[4096];
 };
 
 } // namespace
 
 TEST_F(LoadMusicTest, TheRepositoryTrackLoadsWithoutAWord) {
-    ASSERT_EQ(symlink((std::string(cwd) + "/sfx/music1.ogg").c_str(), "sfx/music1.ogg"), 0);
+    linkSound("music1.ogg");
     EXPECT_EQ(errorsOfLoadMusic(), "");
     EXPECT_NE(music, nullptr);
 }
@@ -263,7 +242,7 @@ TEST_F(LoadMusicTest, TrackThatIsNoOggStreamIsReportedAndLeavesNoMusic) {
 }
 
 TEST_F(LoadMusicTest, MissingAudioDeviceIsReportedAndNothingIsLoaded) {
-    ASSERT_EQ(symlink((std::string(cwd) + "/sfx/music1.ogg").c_str(), "sfx/music1.ogg"), 0);
+    linkSound("music1.ogg");
     setenv("SDL_AUDIODRIVER", "nosuchdevice", 1);
     EXPECT_EQ(errorsOfLoadMusic(), "Could not open audio: No available audio device\n");
     EXPECT_EQ(music, nullptr);

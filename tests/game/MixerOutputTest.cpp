@@ -17,6 +17,7 @@
 #include "game/Main.h"
 #include "game/MixerOutput.h"
 #include "game/SoundEffects.h"
+#include "tests/support/AudioDirectory.h"
 
 namespace {
 
@@ -85,31 +86,17 @@ uint32_t millis(uint64_t frames) {
     return (uint32_t)((frames * 1000 + 44099) / 44100);
 }
 
-// A working directory of its own with an sfx/ folder, audio on SDL's dummy driver in stereo at
-// 44.1 kHz, a fresh MixerOutput. Everything is closed and removed again after each test.
-class MixerOutputTest : public ::testing::Test {
+// Audio in a working directory of its own (see AudioDirectoryTest), a fresh MixerOutput, and a
+// count of the mixer calls made from the start of each test.
+class MixerOutputTest : public testing_support::AudioDirectoryTest {
 protected:
     void SetUp() override {
-        char pattern[] = "/tmp/nightvector-sfx-XXXXXX";
-        ASSERT_NE(mkdtemp(pattern), nullptr);
-        dir = pattern;
-        ASSERT_EQ(mkdir((dir + "/sfx").c_str(), 0755), 0);
-        ASSERT_NE(getcwd(cwd, sizeof cwd), nullptr);
-        repository = cwd;
-        ASSERT_EQ(chdir(dir.c_str()), 0);
-        setenv("SDL_AUDIODRIVER", "dummy", 1);
+        AudioDirectoryTest::SetUp();
         mixerCalls = 0;
     }
     void TearDown() override {
-        g_sound.setOutput(nullptr);
         delete output;
-        if (music) Mix_FreeMusic(music);
-        music = nullptr;
-        Mix_CloseAudio();
-        SDL_QuitSubSystem(SDL_INIT_AUDIO);
-        unsetenv("SDL_AUDIODRIVER");
-        EXPECT_EQ(chdir(cwd), 0);
-        EXPECT_EQ(system(("rm -rf '" + dir + "'").c_str()), 0);
+        AudioDirectoryTest::TearDown();
     }
 
     static void openAudio() {
@@ -118,10 +105,8 @@ protected:
     }
     // Links the repository's effects into sfx/, all but `except`.
     void linkEffects(const std::string& except = "") {
-        for (const char* name : EFFECT_FILES) {
-            if (except == name) continue;
-            ASSERT_EQ(symlink((repository + "/sfx/" + name).c_str(), (std::string("sfx/") + name).c_str()), 0);
-        }
+        for (const char* name : EFFECT_FILES)
+            if (except != name) linkSound(name);
     }
     // What load wrote on standard error.
     std::string errorsOfLoad() {
@@ -131,9 +116,6 @@ protected:
         return testing::internal::GetCapturedStderr();
     }
 
-    std::string dir;
-    std::string repository;
-    char cwd[4096];
     MixerOutput* output = nullptr;
 };
 
@@ -247,7 +229,7 @@ TEST_F(MixerOutputTest, PlaysStopsAndFadesOnTheChannelsItIsGiven) {
 
 TEST_F(MixerOutputTest, StartingWithADeviceLoadsTheEffectsSilently) {
     linkEffects();
-    ASSERT_EQ(symlink((repository + "/sfx/music1.ogg").c_str(), "sfx/music1.ogg"), 0);
+    linkSound("music1.ogg");
     testing::internal::CaptureStderr();
     startAudio();
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
@@ -264,7 +246,7 @@ TEST_F(MixerOutputTest, StartingWithADeviceLoadsTheEffectsSilently) {
 
 TEST_F(MixerOutputTest, WithoutADeviceNoMixerCallIsMadeForEffects) {
     linkEffects();
-    ASSERT_EQ(symlink((repository + "/sfx/music1.ogg").c_str(), "sfx/music1.ogg"), 0);
+    linkSound("music1.ogg");
     setenv("SDL_AUDIODRIVER", "nosuchdevice", 1);
     testing::internal::CaptureStderr();
     startAudio();
