@@ -51,6 +51,8 @@ public:
     }
     void stop(int channel, int ms) override { mixer.stop(channel, ms); }
     void fadeOutAll(int ms) override { mixer.fadeOutAll(ms); }
+    void pauseAll() override { mixer.pauseAll(); }
+    void resumeAll() override { mixer.resumeAll(); }
 
     MixerOutput& mixer;
     unsigned plays;

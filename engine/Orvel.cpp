@@ -8,7 +8,10 @@
 #include <GL/gl.h>
 
 #include "engine/Color.h"
+#include "engine/Gamepad.h"
+#include "engine/PauseClock.h"
 #include "engine/VertexArrays.h"
+#include "engine/WindowState.h"
 
 namespace orvel {
 
@@ -66,6 +69,15 @@ void handleEvent(Orvel::GEvent* e, const SDL_Event& event) {
         break;
     case SDL_QUIT:
         e->closeRequested = true;
+        break;
+    case SDL_ACTIVEEVENT:
+    case SDL_VIDEOEXPOSE:
+        WindowState::handle(event);
+        break;
+    case SDL_JOYAXISMOTION:
+    case SDL_JOYBUTTONDOWN:
+    case SDL_JOYBUTTONUP:
+        Gamepad::handle(event);
         break;
     default:
         break;
@@ -190,14 +202,17 @@ void Orvel::update() {
         exit(0);
     }
     tm_last = tm_current;
-    tm_current = SDL_GetTicks();
+    tm_current = PauseClock::gameTicks(SDL_GetTicks());
     // A frame never measures zero unless the clock stands still for a whole extra millisecond.
-    if (tm_current == tm_last) {
+    // A held clock stands still on purpose.
+    if (tm_current == tm_last && !PauseClock::held()) {
         SDL_Delay(1);
-        tm_current = SDL_GetTicks();
+        tm_current = PauseClock::gameTicks(SDL_GetTicks());
     }
     setFrameTime(tm_last, tm_current);
     if (events) events->update();
+    WindowState::update();
+    Gamepad::update();
     SDL_GL_SwapBuffers();
     ++framenum;
 }

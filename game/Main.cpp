@@ -8,13 +8,17 @@
 #include <SDL/SDL_mixer.h>
 
 #include "engine/GL.h"
+#include "engine/Gamepad.h"
 #include "engine/Orvel.h"
+#include "engine/PauseClock.h"
 #include "engine/Screenshot.h"
 #include "engine/String.h"
 #include "engine/Texture.h"
 #include "game/Game.h"
+#include "game/GamepadControl.h"
 #include "game/Menu.h"
 #include "game/MixerOutput.h"
+#include "game/Pause.h"
 #include "game/Resources.h"
 #include "game/SoundEffects.h"
 #include "scene/DirectScene2D.h"
@@ -152,6 +156,7 @@ void startUp() {
     // text-mode driver that cannot show it. A driver the user chose is left alone.
     setenv("SDL_VIDEODRIVER", "x11", 0);
     Orvel::init(1280, 720, CAPTION, true, true);
+    Gamepad::open();
     Orvel::update();
     Resources::load();
     g_rand.init((int)time(nullptr));
@@ -176,8 +181,12 @@ void startUp() {
 }
 
 void runFrameLogic() {
+    g_gamepad.apply(SDL_GetTicks());
     if (runlevel == RUNLEVEL_MENU) g_menu->update();
-    if (runlevel == RUNLEVEL_GAME) g_game->update();
+    if (runlevel == RUNLEVEL_GAME) {
+        g_pause.update(SDL_GetTicks());
+        if (!g_pause.paused) g_game->update();
+    }
 
     // Drawn again after the logic on purpose; the next pass's clear wipes it.
     g_fader->draw();
@@ -190,6 +199,8 @@ void runFrameLogic() {
 
     // Escape waits for a running fade to finish; the music fades 50 ms ahead of the picture.
     if (g_fader->done() && Orvel::keyPressed(SDLK_ESCAPE)) {
+        // Out of a pause first: the fades run on the clock, and the music fades from playing.
+        g_pause.leave(SDL_GetTicks());
         fadeToBlack();
         Mix_FadeOutMusic(950);
         g_sound.fadeOutAll(950);
@@ -199,7 +210,31 @@ void runFrameLogic() {
     if (runlevel == RUNLEVEL_FADING_OUT && g_fader->done()) runlevel = RUNLEVEL_QUIT;
 }
 
+namespace {
+
+// A frame while paused: the frozen picture drawn and shown when it has to be, otherwise only the
+// input read, at about 20 frames a second; then the same logic as in play.
+void runPausedFrame() {
+    if (g_pause.pictureDue()) {
+        glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
+        g_world->draw();
+        g_hud->draw();
+        g_pause.drawOverlay();
+        Orvel::update();
+        g_pause.pictureShown();
+    } else {
+        PauseClock::idleFrame(Pause::PAUSED_FRAME_MS);
+    }
+    runFrameLogic();
+}
+
+} // namespace
+
 void runFrame() {
+    if (g_pause.paused) {
+        runPausedFrame();
+        return;
+    }
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
     g_world->draw();
     g_hud->draw();

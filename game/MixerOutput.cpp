@@ -114,3 +114,11 @@ void MixerOutput::stop(int channel, int ms) {
 void MixerOutput::fadeOutAll(int ms) {
     Mix_FadeOutChannel(-1, ms);
 }
+
+void MixerOutput::pauseAll() {
+    Mix_Pause(-1);
+}
+
+void MixerOutput::resumeAll() {
+    Mix_Resume(-1);
+}

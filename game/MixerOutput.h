@@ -25,6 +25,8 @@ public:
     void play(const SoundPlay& play) override;
     void stop(int channel, int ms) override;
     void fadeOutAll(int ms) override;
+    void pauseAll() override;
+    void resumeAll() override;
 
     // The chunk of `variant` of `effect`; null when the effect did not load.
     Mix_Chunk* chunk(SoundEffect effect, int variant) const {

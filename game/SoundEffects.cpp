@@ -123,6 +123,14 @@ void SoundEffects::fadeOutAll(int ms) {
     if (out) out->fadeOutAll(ms);
 }
 
+void SoundEffects::pauseAll() {
+    if (out) out->pauseAll();
+}
+
+void SoundEffects::resumeAll() {
+    if (out) out->resumeAll();
+}
+
 vec2 SoundEffects::nearestCopy(const vec2& position, const vec2& listener, float worldWidth, float worldHeight) {
     return listener + RadarDisplay::wrappedOffset(listener, position, worldWidth, worldHeight);
 }

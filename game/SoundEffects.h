@@ -51,6 +51,9 @@ public:
     virtual void stop(int channel, int ms) = 0;
     // Fades every channel out over `ms`.
     virtual void fadeOutAll(int ms) = 0;
+    // Pauses every channel where it is; resumeAll goes on from there.
+    virtual void pauseAll() = 0;
+    virtual void resumeAll() = 0;
 };
 
 // How one effect is played.
@@ -103,6 +106,10 @@ public:
     void hum(bool on);
     // Fades out everything that plays, as the music fades on Escape.
     void fadeOutAll(int ms);
+    // Holds every effect where it is while the game is paused, and lets them go on. The game's
+    // clock is held meanwhile, so the voices' ends stay right.
+    void pauseAll();
+    void resumeAll();
 
     // Distance volume (0..1) and the two sides of a sound at `position` heard from `listener`,
     // on the wrapping world of `worldWidth` x `worldHeight`, the screen `screenWidth` wide and

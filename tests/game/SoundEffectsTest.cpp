@@ -37,6 +37,8 @@ public:
     void play(const SoundPlay& p) override { plays.push_back(p); }
     void stop(int channel, int ms) override { stops.push_back({channel, ms}); }
     void fadeOutAll(int ms) override { fades.push_back(ms); }
+    void pauseAll() override { ++pauses; }
+    void resumeAll() override { ++resumes; }
 
     int count(SoundEffect e) const {
         int n = 0;
@@ -62,6 +64,8 @@ public:
     std::vector<SoundPlay> plays;
     std::vector<Stop> stops;
     std::vector<int> fades;
+    int pauses = 0;
+    int resumes = 0;
     uint32_t lengths[SFX_COUNT][SoundEffects::MAX_VARIANTS];
 };
 
