@@ -42,6 +42,8 @@ public:
     static bool buttonPressed(int b);  // down this frame, up the frame before
     // Any axis or button event arrived since start-up.
     static bool used() { return eventsSeen != 0; }
+    // Axis and button events of joystick 0 the event thread has taken in since start-up.
+    static uint32_t eventCount() { return eventsSeen; }
 
 private:
     static _SDL_Joystick* joystick;

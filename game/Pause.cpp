@@ -1,6 +1,5 @@
 #include "game/Pause.h"
 
-#include <SDL/SDL.h>
 #include <SDL/SDL_keysym.h>
 #include <SDL/SDL_mixer.h>
 

@@ -14,9 +14,15 @@
 #include <SDL/SDL.h>
 #include <GL/gl.h>
 
+#include "engine/Gamepad.h"
+#include "engine/PauseClock.h"
+#include "engine/WindowState.h"
 #include "tests/support/XDriver.h"
 
 using orvel::Orvel;
+using orvel::Gamepad;
+using orvel::PauseClock;
+using orvel::WindowState;
 
 // SDL calls made by the engine pass through these wrappers (linked with --wrap), so tests can
 // script the clock and see the order of shutdown calls. Unscripted calls go to SDL.
@@ -371,4 +377,175 @@ TEST(Orvel, InitWithoutDisplayReportsSdlErrorAndExitsWithStatusOne) {
     const std::string prefix = "Error initializing SDL: ";
     ASSERT_EQ(result.output.compare(0, prefix.size(), prefix), 0) << result.output;
     EXPECT_EQ(result.output, prefix + "No available video device\n");
+}
+
+// --- The clock held through a pause ---
+
+TEST(PauseClock, GameTicksAreRealTicksLessEveryHeldSpan) {
+    PauseClock::reset();
+    EXPECT_EQ(PauseClock::gameTicks(5000), 5000u);
+    PauseClock::hold(5000);
+    EXPECT_TRUE(PauseClock::held());
+    EXPECT_EQ(PauseClock::gameTicks(5001), 5000u);
+    EXPECT_EQ(PauseClock::gameTicks(15000), 5000u);
+    // A second hold while held changes nothing.
+    PauseClock::hold(9000);
+    PauseClock::release(15000);
+    EXPECT_FALSE(PauseClock::held());
+    EXPECT_EQ(PauseClock::heldSpan(), 10000u);
+    EXPECT_EQ(PauseClock::gameTicks(15016), 5016u);
+    // Releasing again changes nothing; a second pause adds its span.
+    PauseClock::release(16000);
+    PauseClock::hold(16000);
+    PauseClock::release(16500);
+    EXPECT_EQ(PauseClock::gameTicks(17000), 6500u);
+    PauseClock::reset();
+    EXPECT_EQ(PauseClock::gameTicks(17000), 17000u);
+}
+
+TEST_F(OrvelWindowTest, HeldClockKeepsThePausedSpanOutOfTheTimeAndOfTheNextFrame) {
+    openWindow();
+    PauseClock::reset();
+    g_scriptedTicks = {10000};
+    Orvel::update();
+    g_scriptedTicks = {10016};
+    Orvel::update();
+    PauseClock::hold(10020);
+    g_recording = true;
+    // Paused frames: the time stands at the hold; the first frame ends at it, the others are
+    // zero frames without the usual wait.
+    g_scriptedTicks = {10040};
+    Orvel::update();
+    EXPECT_EQ(Orvel::currentTime, 10020u);
+    EXPECT_EQ(Orvel::sync, 0.001f * 4.0f);
+    g_scriptedTicks = {15000};
+    Orvel::update();
+    EXPECT_EQ(Orvel::currentTime, 10020u);
+    EXPECT_EQ(Orvel::lastTime, 10020u);
+    EXPECT_EQ(Orvel::sync, 0.0f);
+    EXPECT_TRUE(g_calls.empty());
+    // Ten seconds later: the next frame is an ordinary one.
+    PauseClock::release(20020);
+    g_scriptedTicks = {20036};
+    Orvel::update();
+    EXPECT_EQ(Orvel::currentTime, 10036u);
+    EXPECT_EQ(Orvel::lastTime, 10020u);
+    EXPECT_EQ(Orvel::sync, 0.001f * 16.0f);
+    EXPECT_EQ(Orvel::sync16, 1048);
+    PauseClock::reset();
+}
+
+TEST_F(OrvelWindowTest, IdleFrameSnapshotsInputWithoutSwappingAndKeepsItsPace) {
+    openWindow();
+    g_scriptedTicks = {30000};
+    Orvel::update();
+    const uint32_t frames = Orvel::framenum;
+    PauseClock::hold(30000);
+    Orvel::events->keysLive['p' / 32] |= 1u << ('p' % 32);
+    g_recording = true;
+    // 20 ms after the last idle frame began: 30 ms more to wait for a 50 ms frame.
+    g_scriptedTicks = {30020, 30050};
+    PauseClock::idleFrame(50);
+    EXPECT_EQ(g_calls, std::vector<std::string>{"SDL_Delay(30)"});
+    EXPECT_TRUE(Orvel::keyPressed('p'));
+    EXPECT_EQ(Orvel::framenum, frames);
+    EXPECT_EQ(Orvel::currentTime, 30000u);
+    PauseClock::reset();
+}
+
+// --- Window focus and the gamepad through the event thread ---
+
+TEST_F(OrvelWindowTest, LostFocusAndUncoveringReachTheNextFrame) {
+    openWindow();
+    WindowState::reset();
+    SDL_Event event;
+    memset(&event, 0, sizeof event);
+    event.type = SDL_ACTIVEEVENT;
+    event.active.gain = 0;
+    event.active.state = SDL_APPINPUTFOCUS;
+    ASSERT_EQ(SDL_PushEvent(&event), 0);
+    ASSERT_TRUE(xdriver::waitFor([] {
+        WindowState::update();
+        return WindowState::focusLost();
+    }));
+    WindowState::update();
+    EXPECT_FALSE(WindowState::focusLost());
+    // Mouse focus alone is no loss; minimising is.
+    event.active.state = SDL_APPMOUSEFOCUS;
+    ASSERT_EQ(SDL_PushEvent(&event), 0);
+    event.active.state = SDL_APPACTIVE;
+    ASSERT_EQ(SDL_PushEvent(&event), 0);
+    ASSERT_TRUE(xdriver::waitFor([] {
+        WindowState::update();
+        return WindowState::focusLost();
+    }));
+    EXPECT_FALSE(WindowState::exposed());
+    // Focus back, or an expose, asks for the picture again.
+    event.active.gain = 1;
+    event.active.state = SDL_APPINPUTFOCUS;
+    ASSERT_EQ(SDL_PushEvent(&event), 0);
+    ASSERT_TRUE(xdriver::waitFor([] {
+        WindowState::update();
+        return WindowState::exposed();
+    }));
+    event.type = SDL_VIDEOEXPOSE;
+    ASSERT_EQ(SDL_PushEvent(&event), 0);
+    ASSERT_TRUE(xdriver::waitFor([] {
+        WindowState::update();
+        return WindowState::exposed();
+    }));
+    EXPECT_FALSE(WindowState::focusLost());
+    WindowState::reset();
+}
+
+TEST_F(OrvelWindowTest, JoystickEventsReachTheNextFrameThroughUpdate) {
+    openWindow();
+    Gamepad::close();
+    SDL_Event event;
+    memset(&event, 0, sizeof event);
+    event.type = SDL_JOYAXISMOTION;
+    event.jaxis.axis = 3;
+    event.jaxis.value = -20000;
+    ASSERT_EQ(SDL_PushEvent(&event), 0);
+    event.type = SDL_JOYBUTTONDOWN;
+    event.jbutton.button = 7;
+    ASSERT_EQ(SDL_PushEvent(&event), 0);
+    ASSERT_TRUE(xdriver::waitFor([] { return Gamepad::used(); }));
+    ASSERT_TRUE(xdriver::waitFor([] {
+        Orvel::update();
+        return Gamepad::buttonDown(7);
+    }));
+    EXPECT_EQ(Gamepad::axis(3), -20000);
+    Orvel::update();
+    EXPECT_TRUE(Gamepad::buttonDown(7));
+    EXPECT_FALSE(Gamepad::buttonPressed(7));
+    // Another joystick's events and axes and buttons past the kept ones are ignored.
+    event.jbutton.which = 1;
+    event.jbutton.button = 2;
+    ASSERT_EQ(SDL_PushEvent(&event), 0);
+    event.jbutton.which = 0;
+    event.jbutton.button = 40;
+    ASSERT_EQ(SDL_PushEvent(&event), 0);
+    event.type = SDL_JOYBUTTONUP;
+    event.jbutton.button = 7;
+    ASSERT_EQ(SDL_PushEvent(&event), 0);
+    ASSERT_TRUE(xdriver::waitFor([] {
+        Orvel::update();
+        return !Gamepad::buttonDown(7);
+    }));
+    for (int b = 0; b < Gamepad::BUTTONS; ++b) EXPECT_FALSE(Gamepad::buttonDown(b)) << b;
+    EXPECT_EQ(Gamepad::axis(3), -20000);
+    EXPECT_EQ(Gamepad::axis(-1), 0);
+    EXPECT_EQ(Gamepad::axis(Gamepad::AXES), 0);
+    Gamepad::close();
+}
+
+TEST_F(OrvelWindowTest, WithoutAJoystickOpeningSaysNothingAndFindsNone) {
+    openWindow();
+    testing::internal::CaptureStderr();
+    Gamepad::open();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_FALSE(Gamepad::present());
+    EXPECT_EQ(Gamepad::axisCount(), 0);
+    Gamepad::close();
 }
