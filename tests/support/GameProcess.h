@@ -55,6 +55,8 @@ public:
     // Waits for the process to end; its exit status, or -1 after a signal or when time ran out.
     int waitForExit(int timeoutMs = 30000);
     bool isRunning();
+    // The game's process id.
+    int processId() const { return pid; }
 
     // Holds a key (xdotool key name) down long enough for several frames to see it, then lets go.
     void tapKey(const std::string& key);

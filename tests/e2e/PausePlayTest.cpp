@@ -1,0 +1,151 @@
+// Pausing the real program: P shows "Paused" over a still picture and resumes, a second window
+// taking the focus pauses, Escape quits from the pause; the CPU a pause uses is measured.
+
+#include <fstream>
+#include <iostream>
+#include <sstream>
+#include <string>
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "tests/support/GameProcess.h"
+#include "tests/support/XDriver.h"
+
+// After GoogleTest: Xlib's macros (None, Bool, ...) would break its headers.
+#include <X11/Xlib.h>
+
+using e2e::GameProcess;
+using e2e::Image;
+using e2e::Surroundings;
+
+namespace {
+
+const int SCREEN_W = 1280, SCREEN_H = 720;
+
+// The hint line sits 60 pixels below the screen's centre; white glyphs at its scale.
+bool isHintInk(unsigned p) {
+    return (p >> 16 & 0xff) >= 200 && (p >> 8 & 0xff) >= 200 && (p & 0xff) >= 200;
+}
+
+int hintInk(const Image& image) {
+    int n = 0;
+    for (int y = SCREEN_H / 2 + 45; y < SCREEN_H / 2 + 75; ++y)
+        for (int x = SCREEN_W / 2 - 220; x < SCREEN_W / 2 + 220; ++x) n += isHintInk(image.at(x, y));
+    return n;
+}
+
+// Sum of the three channels over a band across the top of the screen, clear of the HUD boxes.
+long long brightness(const Image& image) {
+    long long sum = 0;
+    for (int y = 100; y < 300; ++y)
+        for (int x = 300; x < 980; ++x) {
+            const unsigned p = image.at(x, y);
+            sum += (p >> 16 & 0xff) + (p >> 8 & 0xff) + (p & 0xff);
+        }
+    return sum;
+}
+
+// CPU time the process has used, in clock ticks (user and system), from /proc.
+long long cpuTicks(int pid) {
+    std::ifstream in("/proc/" + std::to_string(pid) + "/stat");
+    std::string line;
+    std::getline(in, line);
+    // The fields after the command name, which is in parentheses and may hold spaces.
+    std::istringstream rest(line.substr(line.rfind(')') + 2));
+    std::string field;
+    long long utime = 0, stime = 0;
+    for (int i = 3; rest >> field; ++i) {
+        if (i == 14) utime = std::stoll(field);
+        if (i == 15) {
+            stime = std::stoll(field);
+            break;
+        }
+    }
+    return utime + stime;
+}
+
+void startPlaying(GameProcess& game) {
+    ASSERT_TRUE(game.waitForOutput("megabytes\n")) << game.output() << game.errors();
+    e2e::pause(300);
+    game.moveMouse(900, 200);
+    game.holdKey("Return");
+    // One second to black, half a second in; the first wave comes five seconds after that.
+    e2e::pause(7000);
+    ASSERT_TRUE(game.isRunning());
+}
+
+// Takes the next screenshot with F1 and reads it; `number` counts the files taken.
+bool shoot(GameProcess& game, const Surroundings& dir, int& number, Image& image) {
+    ++number;
+    const std::string name = "screenshot_" + std::to_string(number) + ".bmp";
+    return game.screenshot(name) && e2e::loadBmp(dir.path() + "/" + name, image);
+}
+
+} // namespace
+
+TEST(PausePlay, PShowsPausedOverAStillPictureAndPResumes) {
+    Surroundings dir;
+    dir.linkData();
+    GameProcess game(dir.path());
+    ASSERT_NO_FATAL_FAILURE(startPlaying(game));
+    int number = 0;
+    Image playing, first, second, resumed;
+    ASSERT_TRUE(shoot(game, dir, number, playing));
+    game.holdKey("p");
+    e2e::pause(500);
+    ASSERT_TRUE(shoot(game, dir, number, first));
+    const long long before = cpuTicks(game.processId());
+    e2e::pause(2000);
+    const long long after = cpuTicks(game.processId());
+    ASSERT_TRUE(shoot(game, dir, number, second));
+    // Stars, enemies and shots stand still: the two pictures are the same, pixel for pixel.
+    EXPECT_TRUE(first.pixels == second.pixels);
+    // The hint line is there, and the picture under it is dimmed.
+    EXPECT_GT(hintInk(first), 100);
+    EXPECT_LT(hintInk(playing), 20);
+    EXPECT_LT(brightness(first) * 10, brightness(playing) * 6);
+    const double share = (double)(after - before) / (double)sysconf(_SC_CLK_TCK) / 2.0;
+    std::cout << "CPU while paused: " << share * 100.0 << " % of one core over 2 s\n";
+    RecordProperty("paused_cpu_percent", std::to_string(share * 100.0));
+
+    game.holdKey("p");
+    e2e::pause(1000);
+    ASSERT_TRUE(shoot(game, dir, number, resumed));
+    EXPECT_LT(hintInk(resumed), 20);
+    EXPECT_FALSE(resumed.pixels == second.pixels);
+    game.holdKey("Escape");
+    EXPECT_EQ(game.waitForExit(), 0);
+}
+
+TEST(PausePlay, ASecondWindowTakingTheFocusPausesAndEscapeQuitsFromThePause) {
+    Surroundings dir;
+    dir.linkData();
+    GameProcess game(dir.path());
+    ASSERT_NO_FATAL_FAILURE(startPlaying(game));
+    Display* display = XOpenDisplay(nullptr);
+    ASSERT_NE(display, nullptr);
+    const Window other = XCreateSimpleWindow(display, DefaultRootWindow(display), 0, 0, 200, 100, 0, 0, 0);
+    XMapRaised(display, other);
+    XSync(display, False);
+    e2e::pause(300);
+    // No window manager runs: the game's window has the focus only once it is given to it.
+    const unsigned long gameWindow = game.window();
+    ASSERT_NE(gameWindow, 0ul);
+    ASSERT_TRUE(xdriver::xdotool("windowfocus " + std::to_string(gameWindow)));
+    e2e::pause(300);
+    ASSERT_TRUE(xdriver::xdotool("windowfocus " + std::to_string(other)));
+    e2e::pause(1000);
+    // Focus back to the game, for the keys: it stays paused.
+    ASSERT_TRUE(xdriver::xdotool("windowfocus " + std::to_string(gameWindow)));
+    e2e::pause(500);
+    int number = 0;
+    Image paused;
+    ASSERT_TRUE(shoot(game, dir, number, paused));
+    EXPECT_GT(hintInk(paused), 100);
+    XDestroyWindow(display, other);
+    XCloseDisplay(display);
+    // Escape leaves from the pause.
+    game.holdKey("Escape");
+    EXPECT_EQ(game.waitForExit(), 0);
+}
