@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include "tests/e2e/PlaySession.h"
 #include "tests/support/GameProcess.h"
 #include "tests/support/XDriver.h"
 
@@ -65,21 +66,10 @@ long long cpuTicks(int pid) {
     return utime + stime;
 }
 
+// Into play with the pointer clear of the centre; the first wave comes five seconds after the
+// game starts, so enemies are there after seven.
 void startPlaying(GameProcess& game) {
-    ASSERT_TRUE(game.waitForOutput("megabytes\n")) << game.output() << game.errors();
-    e2e::pause(300);
-    game.moveMouse(900, 200);
-    game.holdKey("Return");
-    // One second to black, half a second in; the first wave comes five seconds after that.
-    e2e::pause(7000);
-    ASSERT_TRUE(game.isRunning());
-}
-
-// Takes the next screenshot with F1 and reads it; `number` counts the files taken.
-bool shoot(GameProcess& game, const Surroundings& dir, int& number, Image& image) {
-    ++number;
-    const std::string name = "screenshot_" + std::to_string(number) + ".bmp";
-    return game.screenshot(name) && e2e::loadBmp(dir.path() + "/" + name, image);
+    e2e::enterPlay(game, 900, 200, 7000);
 }
 
 } // namespace
@@ -91,14 +81,14 @@ TEST(PausePlay, PShowsPausedOverAStillPictureAndPResumes) {
     ASSERT_NO_FATAL_FAILURE(startPlaying(game));
     int number = 0;
     Image playing, first, second, resumed;
-    ASSERT_TRUE(shoot(game, dir, number, playing));
+    ASSERT_TRUE(e2e::nextScreenshot(game, dir, number, playing));
     game.holdKey("p");
     e2e::pause(500);
-    ASSERT_TRUE(shoot(game, dir, number, first));
+    ASSERT_TRUE(e2e::nextScreenshot(game, dir, number, first));
     const long long before = cpuTicks(game.processId());
     e2e::pause(2000);
     const long long after = cpuTicks(game.processId());
-    ASSERT_TRUE(shoot(game, dir, number, second));
+    ASSERT_TRUE(e2e::nextScreenshot(game, dir, number, second));
     // Stars, enemies and shots stand still: the two pictures are the same, pixel for pixel.
     EXPECT_TRUE(first.pixels == second.pixels);
     // The hint line is there, and the picture under it is dimmed.
@@ -111,11 +101,10 @@ TEST(PausePlay, PShowsPausedOverAStillPictureAndPResumes) {
 
     game.holdKey("p");
     e2e::pause(1000);
-    ASSERT_TRUE(shoot(game, dir, number, resumed));
+    ASSERT_TRUE(e2e::nextScreenshot(game, dir, number, resumed));
     EXPECT_LT(hintInk(resumed), 20);
     EXPECT_FALSE(resumed.pixels == second.pixels);
-    game.holdKey("Escape");
-    EXPECT_EQ(game.waitForExit(), 0);
+    e2e::quitWithEscape(game);
 }
 
 TEST(PausePlay, ASecondWindowTakingTheFocusPausesAndEscapeQuitsFromThePause) {
@@ -141,11 +130,10 @@ TEST(PausePlay, ASecondWindowTakingTheFocusPausesAndEscapeQuitsFromThePause) {
     e2e::pause(500);
     int number = 0;
     Image paused;
-    ASSERT_TRUE(shoot(game, dir, number, paused));
+    ASSERT_TRUE(e2e::nextScreenshot(game, dir, number, paused));
     EXPECT_GT(hintInk(paused), 100);
     XDestroyWindow(display, other);
     XCloseDisplay(display);
     // Escape leaves from the pause.
-    game.holdKey("Escape");
-    EXPECT_EQ(game.waitForExit(), 0);
+    e2e::quitWithEscape(game);
 }

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/e2e/PlaySession.h"
 #include "tests/support/GameProcess.h"
 #include "tests/support/XDriver.h"
 
@@ -177,39 +178,16 @@ double hudInkOverlap(const Image& a, const Image& b, const Rect& area) {
     return either ? (double)both / either : 0.0;
 }
 
-// Leaves the intro with Return and waits until the game has faded in: one second to black, half a
-// second into the game, and some time to spare.
+// Leaves the intro with Return and waits until the game has faded in, the pointer clear of
+// everything.
 void startPlaying(GameProcess& game) {
-    ASSERT_TRUE(game.waitForOutput("megabytes\n")) << game.output() << game.errors();
-    e2e::pause(300);
-    game.moveMouse(MOUSE_X, MOUSE_Y);
-    game.holdKey("Return");
-    e2e::pause(2000);
-    ASSERT_TRUE(game.isRunning());
+    e2e::enterPlay(game, MOUSE_X, MOUSE_Y);
 }
 
-void quitWithEscape(GameProcess& game) {
-    game.holdKey("Escape");
-    EXPECT_EQ(game.waitForExit(), 0);
-}
+using e2e::quitWithEscape;
 
-// Takes the next screenshot with F1 and reads it back. `number` is the last screenshot's number;
-// a press the game missed is repeated, and whichever file appears first is taken. Files from
-// earlier presses that were only slow are skipped.
 bool shoot(GameProcess& game, const Surroundings& dir, int& number, Image& image) {
-    while (dir.exists("screenshot_" + std::to_string(number + 1) + ".bmp")) ++number;
-    for (int press = 0; press < 5; ++press) {
-        game.holdKey("F1");
-        for (int waited = 0; waited < 5000; waited += 50) {
-            for (int n = number + 1; n <= number + 1 + press; ++n)
-                if (e2e::loadBmp(dir.path() + "/screenshot_" + std::to_string(n) + ".bmp", image)) {
-                    number = n;
-                    return image.width == SCREEN_W && image.height == SCREEN_H;
-                }
-            e2e::pause(50);
-        }
-    }
-    return false;
+    return e2e::nextScreenshot(game, dir, number, image);
 }
 
 // The wave banner: the rows in the middle of the screen where grey text ink appeared since

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include "tests/e2e/PlaySession.h"
 #include "tests/support/GameProcess.h"
 #include "tests/support/XDriver.h"
 
@@ -48,14 +49,9 @@ void record(bool fire, Recording& r) {
     dir.linkData();
     const std::string file = dir.path() + "/audio.raw";
     GameProcess game(dir.path(), {"SDL_AUDIODRIVER=disk", "SDL_DISKAUDIOFILE=" + file, "SDL_DISKAUDIODELAY=23"});
-    ASSERT_TRUE(game.waitForOutput("megabytes\n")) << game.output() << game.errors();
-    e2e::pause(300);
-    game.moveMouse(900, 360);
-    game.holdKey("Return");
     // One second to black, half a second in; the ship grows in for a second after that. The
     // first wave (and its banner) comes five seconds after the game starts, after the window.
-    e2e::pause(2500);
-    ASSERT_TRUE(game.isRunning());
+    ASSERT_NO_FATAL_FAILURE(e2e::enterPlay(game, 900, 360, 2500));
     r.windowStart = writtenBytes(file);
     if (fire) game.pressButton(1);
     e2e::pause(2000);
