@@ -455,6 +455,19 @@ TEST_F(OrvelWindowTest, IdleFrameSnapshotsInputWithoutSwappingAndKeepsItsPace) {
 
 // --- Window focus and the gamepad through the event thread ---
 
+namespace {
+
+// Snapshots of the window state, taken until one shows a loss (or, with `exposure`, an
+// uncovering); false when none does within the usual wait.
+bool windowStateShows(bool exposure) {
+    return xdriver::waitFor([exposure] {
+        WindowState::update();
+        return exposure ? WindowState::exposed() : WindowState::focusLost();
+    });
+}
+
+} // namespace
+
 TEST_F(OrvelWindowTest, LostFocusAndUncoveringReachTheNextFrame) {
     openWindow();
     WindowState::reset();
@@ -464,10 +477,7 @@ TEST_F(OrvelWindowTest, LostFocusAndUncoveringReachTheNextFrame) {
     event.active.gain = 0;
     event.active.state = SDL_APPINPUTFOCUS;
     ASSERT_EQ(SDL_PushEvent(&event), 0);
-    ASSERT_TRUE(xdriver::waitFor([] {
-        WindowState::update();
-        return WindowState::focusLost();
-    }));
+    ASSERT_TRUE(windowStateShows(false));
     WindowState::update();
     EXPECT_FALSE(WindowState::focusLost());
     // Mouse focus alone is no loss; minimising is.
@@ -475,25 +485,16 @@ TEST_F(OrvelWindowTest, LostFocusAndUncoveringReachTheNextFrame) {
     ASSERT_EQ(SDL_PushEvent(&event), 0);
     event.active.state = SDL_APPACTIVE;
     ASSERT_EQ(SDL_PushEvent(&event), 0);
-    ASSERT_TRUE(xdriver::waitFor([] {
-        WindowState::update();
-        return WindowState::focusLost();
-    }));
+    ASSERT_TRUE(windowStateShows(false));
     EXPECT_FALSE(WindowState::exposed());
     // Focus back, or an expose, asks for the picture again.
     event.active.gain = 1;
     event.active.state = SDL_APPINPUTFOCUS;
     ASSERT_EQ(SDL_PushEvent(&event), 0);
-    ASSERT_TRUE(xdriver::waitFor([] {
-        WindowState::update();
-        return WindowState::exposed();
-    }));
+    ASSERT_TRUE(windowStateShows(true));
     event.type = SDL_VIDEOEXPOSE;
     ASSERT_EQ(SDL_PushEvent(&event), 0);
-    ASSERT_TRUE(xdriver::waitFor([] {
-        WindowState::update();
-        return WindowState::exposed();
-    }));
+    ASSERT_TRUE(windowStateShows(true));
     EXPECT_FALSE(WindowState::focusLost());
     WindowState::reset();
 }
