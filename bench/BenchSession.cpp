@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdio>
 
+#include <SDL/SDL.h>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -210,6 +211,7 @@ void BenchSession::fullFrame() {
     g_world->draw();
     g_hud->draw();
     g_fader->draw();
+    SDL_GL_SwapBuffers();
     g_game->update();
     glFinish();
 }

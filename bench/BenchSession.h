@@ -39,8 +39,8 @@ public:
     void prepareFrame();
     // The game logic of one frame.
     void logic();
-    // One whole frame as the main loop runs it: clear, world, HUD, fader, logic, then glFinish
-    // so the drawing is done when the call returns.
+    // One whole frame as the main loop runs it: clear, world, HUD, fader, the buffer swap,
+    // logic, then glFinish so the drawing is done when the call returns.
     void fullFrame();
 
     // Explosion particles alive at the current clock.

@@ -191,7 +191,7 @@ void Logic(benchmark::State& state) {
     runScenario(state, &BenchSession::logic);
 }
 
-// Clear, world, HUD, fader, logic and glFinish.
+// Clear, world, HUD, fader, swap, logic and glFinish.
 void FullFrame(benchmark::State& state) {
     runScenario(state, &BenchSession::fullFrame);
 }

@@ -1,5 +1,7 @@
 #include "bench/TableReporter.h"
 
+#include "bench/FloorBench.h"
+
 #include <cstdio>
 #include <ostream>
 #include <string>
@@ -90,6 +92,12 @@ void TableReporter::ReportRuns(const std::vector<Run>& runs) {
                      allocs.c_str(), counterFigure(run, "enemies", 0).c_str(), counterFigure(run, "particles", 0).c_str());
         }
         out << line;
+        const bool wholeFrame = name.compare(0, 9, "FullFrame") == 0;
+        if (!run.error_occurred && wholeFrame && FloorBench::medianMs() > 0.0) {
+            snprintf(line, sizeof line, "%-30s %.2f x the floor's median (%.3f ms)\n", "  ratio:",
+                     counter(run, "median_ms") / FloorBench::medianMs(), FloorBench::medianMs());
+            out << line;
+        }
         if (!run.error_occurred && has(run, "plays/frame")) {
             snprintf(line, sizeof line, "%-30s %.2f effects started per frame", "  sound:", counter(run, "plays/frame"));
             out << line;
