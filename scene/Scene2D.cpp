@@ -19,7 +19,14 @@ const unsigned FRAMEBUFFER_FLAGS = 31;
 Scene2D::Scene2D(int width, int height)
     : SceneRoot(width, height), framebuffer(new Framebuffer(screenWidth, screenHeight, FRAMEBUFFER_FLAGS)),
       color0(framebuffer->color0), color1(framebuffer->color1), color2(framebuffer->color2),
-      color3(framebuffer->color3) {}
+      color3(framebuffer->color3), copyOverBlack(false) {
+    // The target is only ever copied 1:1 onto the screen, where every pixel centre meets a texel
+    // centre: nearest sampling reads the same texels as linear, with a quarter of the reads.
+    color0->bind(GL_TEXTURE0);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+    glBindTexture(GL_TEXTURE_2D, 0);
+}
 
 Scene2D::~Scene2D() {
     delete framebuffer;
@@ -35,11 +42,12 @@ void Scene2D::draw() {
     copyToScreen();
 }
 
-// The framebuffer's colour texture over the whole screen.
+// The framebuffer's colour texture over the whole screen, weighted by its alpha.
 void Scene2D::copyToScreen() {
     Framebuffer::unbindFB();
     color0->bind(GL_TEXTURE0);
-    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    // Over black, one minus source alpha times the screen adds nothing.
+    glBlendFunc(GL_SRC_ALPHA, copyOverBlack ? GL_ZERO : GL_ONE_MINUS_SRC_ALPHA);
     // Whatever program the walk left bound, the copy samples the texture.
     Shaders::useTextureFixed();
     Orvel::fillScreen();

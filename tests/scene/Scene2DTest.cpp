@@ -96,6 +96,46 @@ TEST_F(Scene2DTest, TheCopyLeavesTheScreenWhereTheSceneIsTransparent) {
     EXPECT_EQ(rgbAt(p, 100, 600), rgb(0, 0, 255));
 }
 
+TEST_F(Scene2DTest, TheCopyBlendsOverTheScreenUnlessToldItIsBlack) {
+    Scene2D scene(-1, -1);
+    EXPECT_FALSE(scene.copyOverBlack);
+}
+
+TEST_F(Scene2DTest, ACopyOverBlackReplacesTheScreen) {
+    OneLeaf leaf(0xFF0000FFu); // red
+    leaf.scene.copyOverBlack = true;
+    auto p = drawOver(leaf.scene, 0, 0, 255);
+    EXPECT_EQ(rgbAt(p, 300, 200), rgb(255, 0, 0));
+    // The blue beneath is gone: the transparent target's black took its place.
+    EXPECT_EQ(rgbAt(p, 100, 600), rgb(0, 0, 0));
+}
+
+TEST_F(Scene2DTest, ACopyOverBlackGivesTheBlendedCopysPixelsOnABlackScreen) {
+    // Half-transparent orange: the copy weights it by its alpha, and the weights must agree.
+    OneLeaf blended(0x80208CF0u);
+    auto expected = drawOver(blended.scene, 0, 0, 0);
+    OneLeaf replaced(0x80208CF0u);
+    replaced.scene.copyOverBlack = true;
+    auto got = drawOver(replaced.scene, 0, 0, 0);
+    EXPECT_EQ(rgbAt(expected, 300, 200), rgb(30, 18, 4));
+    // Every pixel's colour agrees; the window's own alpha, which nobody sees, may not.
+    int differing = 0;
+    for (size_t i = 0; i < got.data.size(); ++i) {
+        if ((got.data[i] & 0xFFFFFFu) != (expected.data[i] & 0xFFFFFFu)) ++differing;
+    }
+    EXPECT_EQ(differing, 0);
+}
+
+TEST_F(Scene2DTest, TheTargetIsSampledWithoutFilteringForItsOneToOneCopy) {
+    Scene2D scene(-1, -1);
+    scene.color0->bind(GL_TEXTURE0);
+    GLint minFilter = 0, magFilter = 0;
+    glGetTexParameteriv(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, &minFilter);
+    glGetTexParameteriv(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, &magFilter);
+    EXPECT_EQ(minFilter, GL_NEAREST);
+    EXPECT_EQ(magFilter, GL_NEAREST);
+}
+
 TEST_F(Scene2DTest, AnEmptyRootDrawsOnlyTheWorldBorder) {
     Scene2D scene(-1, -1);
     auto p = drawWorldBorder(scene, 0, 0, 255);
