@@ -110,6 +110,8 @@ BenchSession::BenchSession(int wave, bool explosive) : frame(0), explosive(explo
     g_world->worldWidth = WORLD;
     g_world->worldHeight = WORLD;
     g_world->debugDraw = false;
+    // As in the game, whose frame clears the screen before the world's copy.
+    g_world->copyOverBlack = true;
     g_hud = new DirectScene2D(-1, -1);
     g_hud->debugDraw = false;
     g_fader = new Fader();

@@ -112,6 +112,8 @@ void Game::init() {
     g_world->clear();
     g_hud->clear();
     g_world->add(starfield);
+    // First on the world's freshly cleared target (the border outline of debugDraw aside).
+    starfield->skyFirst = true;
 
     buildHud();
     buildPlayer();

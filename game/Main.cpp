@@ -173,6 +173,8 @@ void startUp() {
 
     g_world->debugDraw = false;
     g_hud->debugDraw = false;
+    // Every frame clears the screen before the world is copied onto it.
+    g_world->copyOverBlack = true;
     g_apology = new Apology();
     startAudio();
 

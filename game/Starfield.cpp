@@ -29,7 +29,7 @@ const float PI_F = 3.14159265358979f;
 Starfield::Starfield(int count)
     : starTexture(Resources::star_tex), stars(nullptr), starCount((unsigned)count), parallax(0.8f),
       minDepth(1.0f), maxDepth(30.0f), margin(50.0f), starWidth(32.0f), starHeight(15.0f), skyOn(1),
-      starsOn(1) {
+      starsOn(1), skyFirst(false) {
     // One spare record beyond the last star, zero-filled like the rest.
     stars = new Star[starCount + 1]();
     sky.left = Resources::skybox_left_tex;
@@ -97,7 +97,8 @@ void Starfield::draw(SceneState& state) {
 }
 
 void Starfield::drawSky() {
-    glBlendFunc(GL_SRC_ALPHA, GL_ONE);
+    // The faces never overlap, so on black adding (source alpha, one) is replacing.
+    glBlendFunc(GL_SRC_ALPHA, skyFirst ? GL_ZERO : GL_ONE);
     float t = Math::wrapf(Orvel::currentTime / SKY_PERIOD_SCALE, -PI_F, PI_F);
     camera.eye = vec3(-25.0f * std::cos(1.8f * t), 9.0f - std::sin(1.1f * t), 25.0f * std::sin(1.4f * t));
     camera.fov = SKY_FOV;

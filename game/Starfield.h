@@ -63,6 +63,10 @@ public:
     float starHeight;
     uint8_t skyOn;        // draw the skybox
     uint8_t starsOn;      // draw the stars
+    // Set when the starfield is the first thing drawn on a target cleared to black, as
+    // Game::init places it: the sky then replaces the black instead of adding to it, the same
+    // pixels without reading the target back. False by default: the sky adds.
+    bool skyFirst;
     orvel::Camera camera; // the sky's own camera
     orvel::Skybox sky;
 

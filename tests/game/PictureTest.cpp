@@ -50,6 +50,8 @@ protected:
         SessionTest::SetUp();
         g_world->debugDraw = false;
         g_hud->debugDraw = false;
+        // As the game sets it: drawFrame clears the screen before the world's copy.
+        g_world->copyOverBlack = true;
         const char* renderer = (const char*)glGetString(GL_RENDERER);
         if (!renderer || std::string(renderer) != RECORDED_RENDERER)
             GTEST_SKIP() << "pictures were recorded on " << RECORDED_RENDERER << ", this is "

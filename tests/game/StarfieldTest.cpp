@@ -10,8 +10,10 @@
 #include "engine/Random.h"
 #include "engine/Surface.h"
 #include "engine/Texture.h"
+#include "game/Game.h"
 #include "game/Main.h"
 #include "game/Resources.h"
+#include "scene/Fader.h"
 #include "scene/Scene2D.h"
 #include "tests/support/AllocationCounter.h"
 #include "tests/support/GameSession.h"
@@ -377,4 +379,54 @@ TEST_F(StarfieldDrawTest, InTheWorldSceneTheStarfieldDrawsBehindWithTheSky) {
     }
     EXPECT_EQ(lit, 20);
     delete sf;
+}
+
+TEST_F(StarfieldDrawTest, TheSkyAddsToWhatIsBeneathUnlessItIsFirst) {
+    Starfield sf(0);
+    EXPECT_FALSE(sf.skyFirst);
+}
+
+TEST_F(StarfieldDrawTest, AFirstSkyOnBlackGivesTheAddedSkysPixels) {
+    Starfield sf(0);
+    Orvel::currentTime = 123456;
+    clearScreen();
+    sf.draw(state);
+    Pixels added = readScreen();
+    sf.skyFirst = true;
+    clearScreen();
+    sf.draw(state);
+    Pixels replaced = readScreen();
+    int lit = 0, differing = 0;
+    for (size_t i = 0; i < added.data.size(); ++i) {
+        if (added.data[i] != 0) ++lit;
+        if (added.data[i] != replaced.data[i]) ++differing;
+    }
+    // The sky covers the screen, and replacing black is adding to it, pixel for pixel.
+    EXPECT_GT(lit, 1280 * 720 * 9 / 10);
+    EXPECT_EQ(differing, 0);
+}
+
+TEST_F(StarfieldDrawTest, AFirstSkyCoversWhatWasDrawnBefore) {
+    Starfield sf(0);
+    sf.skyFirst = true;
+    Orvel::currentTime = 123456;
+    glClearColor(1, 1, 1, 1);
+    glClear(GL_COLOR_BUFFER_BIT);
+    sf.draw(state);
+    Pixels p = readScreen();
+    // Added to white the sky would leave white; replacing it leaves the sky, nowhere white.
+    int white = 0;
+    for (uint32_t c : p.data) {
+        if ((c & 0xffffffu) == 0xffffffu) ++white;
+    }
+    EXPECT_EQ(white, 0);
+}
+
+TEST_F(StarfieldDrawTest, TheGameDrawsTheSkyFirst) {
+    g_rand.init(1234);
+    g_fader = new Fader();
+    g_game = new Game();
+    g_game->init();
+    EXPECT_TRUE(g_game->starfield->skyFirst);
+    EXPECT_EQ(g_world->first, g_game->starfield);
 }
