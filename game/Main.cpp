@@ -16,6 +16,7 @@
 #include "engine/Texture.h"
 #include "game/Game.h"
 #include "game/GamepadControl.h"
+#include "game/LoadingBar.h"
 #include "game/Menu.h"
 #include "game/MixerOutput.h"
 #include "game/Pause.h"
@@ -156,9 +157,13 @@ void startUp() {
     // text-mode driver that cannot show it. A driver the user chose is left alone.
     setenv("SDL_VIDEODRIVER", "x11", 0);
     Orvel::init(1280, 720, CAPTION, true, true);
+    // The window shows the loading bar from its first moment until the intro's first frame.
+    LoadingBar::show(0, 1);
     Gamepad::open();
     Orvel::update();
+    Resources::onProgress = LoadingBar::show;
     Resources::load();
+    Resources::onProgress = nullptr;
     g_rand.init((int)time(nullptr));
 
     g_world = new Scene2D(-1, -1);

@@ -10,6 +10,7 @@
 
 using namespace orvel;
 
+void (*Resources::onProgress)(unsigned, unsigned) = nullptr;
 Texture* Resources::title_tex = nullptr;
 Texture* Resources::reticle_tex = nullptr;
 Texture* Resources::reticle_glow_tex = nullptr;
@@ -145,11 +146,14 @@ void Resources::load() {
     for (unsigned i = 0; i < FONT_COUNT; ++i) paths[TEXTURE_COUNT + i] = FONTS[i].path;
     ImageLoader::prefetch(paths, TEXTURE_COUNT + FONT_COUNT);
 
+    const unsigned total = TEXTURE_COUNT + FONT_COUNT;
+    unsigned done = 0;
     for (const TextureFile& file : TEXTURES) {
         printf("Loading texture %s... ", file.path);
         fflush(stdout);
         *file.member = ImageLoader::loadTexture(file.path, false);
         reportResult();
+        if (onProgress) onProgress(++done, total);
     }
 
     for (const FontFile& file : FONTS) {
@@ -158,6 +162,7 @@ void Resources::load() {
         Surface* image = ImageLoader::load(file.path, false);
         reportResult();
         *file.member = new Font(image);
+        if (onProgress) onProgress(++done, total);
     }
     ImageLoader::finishPrefetch();
     // Every font is ready for the GL text path at once.

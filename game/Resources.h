@@ -17,6 +17,10 @@ public:
     // Needs the GL context of Orvel::init.
     static void load();
 
+    // Called by load() after each image file, with the files done and their total: null, or
+    // what shows the loading (LoadingBar::show). It must not write to standard output.
+    static void (*onProgress)(unsigned done, unsigned total);
+
     static orvel::Texture* title_tex; // loaded, never drawn
     static orvel::Texture* reticle_tex;
     static orvel::Texture* reticle_glow_tex;
