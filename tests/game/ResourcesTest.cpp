@@ -1,6 +1,7 @@
 #include "game/Resources.h"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <sys/stat.h>
@@ -46,6 +47,11 @@ std::vector<Texture*> allTextures() {
             Resources::proc_particle0_tex, Resources::proc_particle1_tex};
 }
 
+// What load() reported through Resources::onProgress, call by call.
+std::vector<std::pair<unsigned, unsigned>> progressCalls;
+
+void recordProgress(unsigned done, unsigned total) { progressCalls.emplace_back(done, total); }
+
 } // namespace
 
 // Tests run on a real GL context.
@@ -55,6 +61,22 @@ TEST_F(ResourcesTest, LoadReportsFortyTwoFilesOkInTableOrder) {
     testing::internal::CaptureStdout();
     Resources::load();
     EXPECT_EQ(testing::internal::GetCapturedStdout(), loadingLines());
+}
+
+TEST_F(ResourcesTest, LoadReportsItsProgressAfterEachFileAndPrintsTheSameLines) {
+    progressCalls.clear();
+    Resources::onProgress = recordProgress;
+    testing::internal::CaptureStdout();
+    Resources::load();
+    const std::string printed = testing::internal::GetCapturedStdout();
+    Resources::onProgress = nullptr;
+    EXPECT_EQ(printed, loadingLines());
+    // One call after each of the 38 textures and 4 fonts, counting up to 42 of 42.
+    ASSERT_EQ(progressCalls.size(), 42u);
+    for (unsigned i = 0; i < progressCalls.size(); ++i) {
+        EXPECT_EQ(progressCalls[i].first, i + 1);
+        EXPECT_EQ(progressCalls[i].second, 42u);
+    }
 }
 
 TEST_F(ResourcesTest, LoadFillsEveryMember) {
