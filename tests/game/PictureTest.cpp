@@ -6,7 +6,6 @@
 // what Mesa's llvmpipe draws; another renderer rounds differently, so there the test is skipped.
 // NIGHTVECTOR_PICTURE_DIR=<dir> writes every picture there as a PPM for a look at it.
 
-#include <cstdio>
 #include <cstdlib>
 #include <string>
 
@@ -82,23 +81,9 @@ protected:
     static uint64_t picture(const char* name) {
         drawFrame();
         Pixels p = readScreen();
-        if (const char* dir = std::getenv("NIGHTVECTOR_PICTURE_DIR")) save(p, std::string(dir) + "/" + name + ".ppm");
+        if (const char* dir = std::getenv("NIGHTVECTOR_PICTURE_DIR"))
+            savePicture(p, (std::string(dir) + "/" + name + ".ppm").c_str());
         return fingerprint(p.data);
-    }
-
-    static void save(const Pixels& p, const std::string& path) {
-        FILE* f = std::fopen(path.c_str(), "wb");
-        if (!f) return;
-        std::fprintf(f, "P6\n%d %d\n255\n", p.width, p.height);
-        for (int y = 0; y < p.height; ++y) {
-            for (int x = 0; x < p.width; ++x) {
-                uint32_t c = p.at(x, y);
-                const unsigned char rgb[3] = {(unsigned char)(c & 0xff), (unsigned char)((c >> 8) & 0xff),
-                                              (unsigned char)((c >> 16) & 0xff)};
-                std::fwrite(rgb, 1, 3, f);
-            }
-        }
-        std::fclose(f);
     }
 };
 

@@ -2,6 +2,7 @@
 // A real GL context for tests: opens the engine's window and reads back what was drawn.
 
 #include <cstdint>
+#include <cstdio>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -54,6 +55,23 @@ protected:
     }
     static Pixels readScreen() {
         return readPixels(0, 0, orvel::Orvel::getScreenWidth(), orvel::Orvel::getScreenHeight());
+    }
+
+    // Writes `p` to `path` as a binary PPM, top row first: a picture for people, not part of any
+    // check. Nothing when the file cannot be opened.
+    static void savePicture(const Pixels& p, const char* path) {
+        FILE* f = std::fopen(path, "wb");
+        if (!f) return;
+        std::fprintf(f, "P6\n%d %d\n255\n", p.width, p.height);
+        for (int y = 0; y < p.height; ++y) {
+            for (int x = 0; x < p.width; ++x) {
+                const uint32_t c = p.at(x, y);
+                const unsigned char rgb[3] = {(unsigned char)(c & 0xff), (unsigned char)((c >> 8) & 0xff),
+                                              (unsigned char)((c >> 16) & 0xff)};
+                std::fwrite(rgb, 1, 3, f);
+            }
+        }
+        std::fclose(f);
     }
 
     // Pixel-exact drawing: projection maps window pixels 1:1 with y down, nothing else enabled.

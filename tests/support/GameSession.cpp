@@ -1,6 +1,5 @@
 #include "tests/support/GameSession.h"
 
-#include <cstdio>
 #include <cstdlib>
 #include <utility>
 #include <vector>
@@ -135,19 +134,7 @@ void HudScene::drawHud() {
 }
 
 void HudScene::savePictureIfAsked(const Pixels& p, const char* variable) {
-    const char* path = std::getenv(variable);
-    if (!path) return;
-    FILE* f = std::fopen(path, "wb");
-    if (!f) return;
-    std::fprintf(f, "P6\n%d %d\n255\n", p.width, p.height);
-    for (int y = 0; y < p.height; ++y) {
-        for (int x = 0; x < p.width; ++x) {
-            uint32_t c = p.at(x, y);
-            unsigned char rgb[3] = {red(c), green(c), blue(c)};
-            std::fwrite(rgb, 1, 3, f);
-        }
-    }
-    std::fclose(f);
+    if (const char* path = std::getenv(variable)) savePicture(p, path);
 }
 
 void StarfieldScene::SetUp() {
