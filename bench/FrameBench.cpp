@@ -234,6 +234,8 @@ BENCHMARK(FullFrameSound)->ArgName("wave")->Arg(17)->Iterations(EXPLOSIVE_FRAMES
 int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+    // The heap as the game has it.
+    shareOneHeap();
     BenchSession::openWindow();
     // The table goes to the console; --benchmark_out still writes any of the library's formats.
     TableReporter table;

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <malloc.h>
 
 #include <SDL/SDL.h>
 #include <SDL/SDL_mixer.h>
@@ -152,7 +153,10 @@ void startAudio() {
     if (loadMusic()) loadSoundEffects();
 }
 
+void shareOneHeap() { mallopt(M_ARENA_MAX, 1); }
+
 void startUp() {
+    shareOneHeap();
     // The OpenGL window needs X; without a display SDL must fail rather than fall back to a
     // text-mode driver that cannot show it. A driver the user chose is left alone.
     setenv("SDL_VIDEODRIVER", "x11", 0);

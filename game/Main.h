@@ -54,6 +54,11 @@ void loadSoundEffects();
 // loadMusic, then loadSoundEffects when the device opened.
 void startAudio();
 
+// Makes every thread allocate from the one main heap. The image decoder's freed memory then goes
+// back to the system with the trim at the end of loading, instead of staying in a heap of its own
+// (about 8 MiB) for the rest of the run; the driver's threads allocate little. Call it before any
+// thread starts: a thread that has allocated keeps the heap it has.
+void shareOneHeap();
 // Start-up: window, resources, scene roots, fader, intro screen, music and sound effects, memory
 // report.
 void startUp();

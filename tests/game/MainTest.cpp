@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <malloc.h>
 #include <string>
 
 #include <SDL/SDL.h>
@@ -246,4 +247,39 @@ TEST_F(LoadMusicTest, MissingAudioDeviceIsReportedAndNothingIsLoaded) {
     setenv("SDL_AUDIODRIVER", "nosuchdevice", 1);
     EXPECT_EQ(errorsOfLoadMusic(), "Could not open audio: No available audio device\n");
     EXPECT_EQ(music, nullptr);
+}
+
+namespace {
+
+// The allocator's own report of its heaps, as XML.
+std::string heapReport() {
+    char* text = nullptr;
+    size_t size = 0;
+    FILE* out = open_memstream(&text, &size);
+    malloc_info(0, out);
+    fclose(out);
+    std::string report(text, size);
+    free(text);
+    return report;
+}
+
+// Opens its window in the test, after what start-up does before it.
+class OneHeapTest : public GLTest {
+protected:
+    void SetUp() override {}
+};
+
+} // namespace
+
+TEST_F(OneHeapTest, ArtLoadsWithoutASecondHeapOnceTheHeapIsShared) {
+    // Start-up shares the heap before the window opens, and so before the driver's threads start.
+    shareOneHeap();
+    openWindow(1280, 720);
+    testing::internal::CaptureStdout();
+    Resources::load();
+    testing::internal::GetCapturedStdout();
+    // Without it the image decoder gets a heap of its own, which keeps about 8 MiB after loading.
+    const std::string report = heapReport();
+    EXPECT_NE(report.find("<heap nr=\"0\">"), std::string::npos);
+    EXPECT_EQ(report.find("<heap nr=\"1\">"), std::string::npos);
 }
