@@ -19,6 +19,9 @@ public:
     static const int WARM_UP_FRAMES = 120;
     // The first frame's clock, ms of Orvel::currentTime.
     static const uint32_t START = 100000;
+    // Names the file to which a frame_bench run writes its peak resident memory in KiB when it
+    // ends: the in-play memory row reads it from a run of its own.
+    static constexpr const char* PEAK_FILE_VARIABLE = "FRAME_BENCH_PEAK_FILE";
 
     // Opens the 1280x720 window, windowed and without vertical sync, and loads the art.
     // Once per process.

@@ -8,6 +8,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstddef>
+#include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <vector>
@@ -17,6 +18,7 @@
 #include <benchmark/benchmark.h>
 
 #include "bench/BenchSession.h"
+#include "bench/ProcessStatus.h"
 #include "bench/TableReporter.h"
 #include "engine/Orvel.h"
 #include "game/Game.h"
@@ -64,11 +66,13 @@ std::atomic<long long> mixNanoseconds(0);
 std::atomic<long long> mixBuffers(0);
 long long lastMixRead = -1;
 
-long long threadCpuNanoseconds() {
+long long cpuNanoseconds(clockid_t clock) {
     timespec t{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
+    clock_gettime(clock, &t);
     return (long long)t.tv_sec * 1000000000LL + t.tv_nsec;
 }
+
+long long threadCpuNanoseconds() { return cpuNanoseconds(CLOCK_THREAD_CPUTIME_ID); }
 
 void readMixTime(void*, Uint8*, int) {
     const long long now = threadCpuNanoseconds();
@@ -158,6 +162,8 @@ void runScenario(benchmark::State& state, void (BenchSession::*frameOf)(), bool 
         audio->output.plays = 0;
         audio->restartMixClock();
     }
+    const long long cpuAtStart = cpuNanoseconds(CLOCK_PROCESS_CPUTIME_ID);
+    const auto wallAtStart = std::chrono::steady_clock::now();
     for (auto _ : state) {
         session.prepareFrame();
         const size_t before = testing_support::allocationCount();
@@ -170,6 +176,8 @@ void runScenario(benchmark::State& state, void (BenchSession::*frameOf)(), bool 
         ms.push_back(seconds * 1000.0);
         particles += session.liveExplosionParticles();
     }
+    const double cpuSeconds = (double)(cpuNanoseconds(CLOCK_PROCESS_CPUTIME_ID) - cpuAtStart) * 1e-9;
+    const double wallSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - wallAtStart).count();
 
     std::sort(ms.begin(), ms.end());
     const double frames = (double)ms.size();
@@ -178,6 +186,9 @@ void runScenario(benchmark::State& state, void (BenchSession::*frameOf)(), bool 
     state.counters["allocs/frame"] = frames > 0 ? (double)allocations / frames : 0.0;
     state.counters["enemies"] = (double)g_game->enemies.count;
     state.counters["particles"] = frames > 0 ? particles / frames : 0.0;
+    // Cores kept busy while the frames ran back to back: every thread of the process, the
+    // renderer's and the audio thread's included.
+    if (wallSeconds > 0.0) state.counters["cpu_cores"] = cpuSeconds / wallSeconds;
     if (audio) {
         state.counters["plays/frame"] = frames > 0 ? (double)audio->output.plays / frames : 0.0;
         // A logic-only run ends before the device has mixed a buffer.
@@ -241,6 +252,13 @@ int main(int argc, char** argv) {
     TableReporter table;
     benchmark::RunSpecifiedBenchmarks(&table);
     benchmark::Shutdown();
+    // A run started for the in-play memory row leaves its peak behind for the row to read.
+    if (const char* path = getenv(BenchSession::PEAK_FILE_VARIABLE)) {
+        if (FILE* file = fopen(path, "w")) {
+            fprintf(file, "%.0f\n", process_status::peakResidentKib(0));
+            fclose(file);
+        }
+    }
     if (orvel::Orvel::window) orvel::Orvel::quit();
     return 0;
 }

@@ -1,6 +1,7 @@
 // Micro-benchmarks of the game's hot paths, each run through the game's own classes: the segment
 // hit test of both player weapons against wave 17's swarm, a full 4096-particle system, the
-// starfield and the HUD; then the peak memory of the process after the session scenarios.
+// starfield and the HUD; then the peak memory of the process after the session scenarios, and of a
+// run of its own that plays the busiest fight alone.
 // Each reports its median and 99th percentile time per iteration and the heap allocations per
 // iteration, counted around the timed call alone.
 
@@ -8,12 +9,20 @@
 #include <chrono>
 #include <cmath>
 #include <cstddef>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
 #include <vector>
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <benchmark/benchmark.h>
 
 #include "bench/BenchSession.h"
-#include "bench/MemoryStatus.h"
+#include "bench/ProcessStatus.h"
 #include "engine/GL.h"
 #include "engine/Orvel.h"
 #include "engine/Vector.h"
@@ -36,6 +45,8 @@
 using orvel::Orvel;
 using orvel::vec2;
 using orvel::vec4;
+
+extern char** environ;
 
 namespace {
 
@@ -390,7 +401,53 @@ void PeakMemory(benchmark::State& state) {
     state.SetLabel("bench process peak RSS");
     for (auto _ : state) {
     }
-    state.counters["peak_rss_mib"] = memory_status::peakResidentKib(0) / 1024.0;
+    state.counters["peak_rss_mib"] = process_status::peakResidentKib(0) / 1024.0;
+}
+
+// The peak resident memory of a frame_bench run of its own that plays only the wave-17 fight with
+// kills, the music and every effect: the game in play at its busiest, with none of this process's
+// other sessions. The run writes its peak to a file when it ends.
+void PeakMemoryInPlay(benchmark::State& state) {
+    state.SetLabel("session peak RSS in play");
+    for (auto _ : state) {
+    }
+    char peakFile[] = "/tmp/frame_bench_peak_XXXXXX";
+    const int fd = mkstemp(peakFile);
+    if (fd < 0) {
+        state.SkipWithError("no temporary file");
+        return;
+    }
+    close(fd);
+    std::vector<std::string> env;
+    for (char** e = environ; *e; ++e) env.emplace_back(*e);
+    env.push_back(std::string(BenchSession::PEAK_FILE_VARIABLE) + "=" + peakFile);
+    std::vector<char*> envp;
+    for (std::string& s : env) envp.push_back(&s[0]);
+    envp.push_back(nullptr);
+    char self[] = "/proc/self/exe";
+    char filter[] = "--benchmark_filter=^FullFrameSound/wave:17/";
+    char* argv[] = {self, filter, nullptr};
+
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+    pid_t pid = -1;
+    const bool started = posix_spawn(&pid, self, &actions, nullptr, argv, envp.data()) == 0;
+    posix_spawn_file_actions_destroy(&actions);
+    int status = 0;
+    const bool ended = started && waitpid(pid, &status, 0) == pid && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    double kib = -1.0;
+    if (FILE* file = fopen(peakFile, "r")) {
+        if (fscanf(file, "%lf", &kib) != 1) kib = -1.0;
+        fclose(file);
+    }
+    unlink(peakFile);
+    if (!ended || kib <= 0.0) {
+        state.SkipWithError("the in-play run gave no peak");
+        return;
+    }
+    state.counters["peak_rss_mib"] = kib / 1024.0;
 }
 
 void hitTests(benchmark::internal::Benchmark* b) {
@@ -406,6 +463,7 @@ void frames(benchmark::internal::Benchmark* b) {
 // Registered in this order after the session scenarios (this file is linked after FrameBench.cpp),
 // so the memory row sees the wave-17 sessions and nothing of the rows below it.
 BENCHMARK(PeakMemory)->Iterations(1);
+BENCHMARK(PeakMemoryInPlay)->ArgName("wave")->Arg(17)->Iterations(1);
 BENCHMARK(FindHitPlasmaStep)->Apply(hitTests);
 BENCHMARK(FindHitLaserBeam)->Apply(hitTests);
 BENCHMARK(ParticlesUpdate)->Apply(frames);

@@ -1,6 +1,6 @@
 // Start-up of the real program: the wall time from starting `nightvector` to the first frame that
-// shows the intro screen and to the first pixel it shows (its loading bar), and the program's peak
-// resident memory when the intro shows.
+// shows the intro screen and to the first pixel it shows (its loading bar), the program's peak
+// resident memory when the intro shows, and its CPU use while the intro waits.
 //
 // The program runs from the working directory (the repository root, where it finds its data) on
 // the X server of this process, with SDL_AUDIODRIVER=dummy and its output thrown away. A first,
@@ -31,7 +31,7 @@
 #include <SDL/SDL.h>
 #include <benchmark/benchmark.h>
 
-#include "bench/MemoryStatus.h"
+#include "bench/ProcessStatus.h"
 #include "engine/GL.h"
 #include "engine/Orvel.h"
 
@@ -54,6 +54,8 @@ const int MIN_LIT_PIXELS = 200;
 const int POLL_MS = 2;
 const int STABLE_MS = 500;
 const int TIMEOUT_MS = 60000;
+// ms over which the CPU use at the intro is taken.
+const int CPU_WINDOW_MS = 3000;
 
 using Clock = std::chrono::steady_clock;
 
@@ -150,7 +152,8 @@ public:
         return pid > 0;
     }
     bool isRunning() const { return pid > 0 && waitpid(pid, nullptr, WNOHANG) == 0; }
-    double peakResidentKib() const { return pid > 0 ? memory_status::peakResidentKib(pid) : -1.0; }
+    double peakResidentKib() const { return pid > 0 ? process_status::peakResidentKib(pid) : -1.0; }
+    double cpuSeconds() const { return pid > 0 ? process_status::cpuSeconds(pid) : -1.0; }
     void stop() {
         if (pid <= 0) return;
         kill(pid, SIGKILL);
@@ -306,8 +309,40 @@ void StartupPeakMemory(benchmark::State& state) {
     state.counters["peak_rss_mib"] = median(peakKibOfStarts) / 1024.0;
 }
 
+// The CPU the program uses while its intro shows and waits for a key: the CPU time of all its
+// threads over CPU_WINDOW_MS, as a percentage of one core. Nothing paces the loop but the buffer
+// swap, which waits for no vertical blank on a virtual X server.
+void StartupIntroCpu(benchmark::State& state) {
+    state.SetLabel("nightvector CPU at intro");
+    for (auto _ : state) {
+    }
+    ScreenBand band;
+    if (!band.isOpen() || introBand.empty()) {
+        state.SkipWithError("needs the start-up row");
+        return;
+    }
+    Program program;
+    const Clock::time_point start = Clock::now();
+    if (!program.start()) {
+        state.SkipWithError("cannot start " NIGHTVECTOR_BINARY);
+        return;
+    }
+    while (band.read() != introBand && program.isRunning() && msSince(start) < TIMEOUT_MS) sleepMs(POLL_MS);
+    const double before = program.cpuSeconds();
+    const Clock::time_point from = Clock::now();
+    sleepMs(CPU_WINDOW_MS);
+    const double after = program.cpuSeconds();
+    const double seconds = msSince(from) / 1000.0;
+    if (!program.isRunning() || before < 0.0 || after < 0.0) {
+        state.SkipWithError("the intro did not stay");
+        return;
+    }
+    state.counters["cpu_percent"] = (after - before) / seconds * 100.0;
+}
+
 } // namespace
 
 BENCHMARK(StartupToIntro)->Iterations(RUNS)->UseManualTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(StartupToFirstPixel)->Iterations(RUNS)->UseManualTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(StartupPeakMemory)->Iterations(1);
+BENCHMARK(StartupIntroCpu)->Iterations(1);

@@ -77,6 +77,9 @@ void TableReporter::ReportRuns(const std::vector<Run>& runs) {
         char line[512];
         if (run.error_occurred) {
             snprintf(line, sizeof line, "%-30s %4s  error: %s\n", name.c_str(), wave.c_str(), run.error_message.c_str());
+        } else if (has(run, "cpu_percent")) {
+            snprintf(line, sizeof line, ROW, name.c_str(), wave.c_str(), figure(true, counter(run, "cpu_percent"), 1).c_str(),
+                     "-", "-", "%", "-", "-", "-");
         } else if (has(run, "peak_rss_mib")) {
             snprintf(line, sizeof line, ROW, name.c_str(), wave.c_str(), figure(true, counter(run, "peak_rss_mib"), 1).c_str(),
                      "-", "-", "MiB", "-", "-", "-");
@@ -96,6 +99,11 @@ void TableReporter::ReportRuns(const std::vector<Run>& runs) {
         if (!run.error_occurred && wholeFrame && FloorBench::medianMs() > 0.0) {
             snprintf(line, sizeof line, "%-30s %.2f x the floor's median (%.3f ms)\n", "  ratio:",
                      counter(run, "median_ms") / FloorBench::medianMs(), FloorBench::medianMs());
+            out << line;
+        }
+        if (!run.error_occurred && wholeFrame && has(run, "cpu_cores")) {
+            snprintf(line, sizeof line, "%-30s %.2f cores busy with the frames back to back\n", "  cpu:",
+                     counter(run, "cpu_cores"));
             out << line;
         }
         if (!run.error_occurred && has(run, "plays/frame")) {
