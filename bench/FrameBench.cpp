@@ -18,7 +18,7 @@
 #include <benchmark/benchmark.h>
 
 #include "bench/BenchSession.h"
-#include "bench/ProcessStatus.h"
+#include "bench/Processes.h"
 #include "bench/TableReporter.h"
 #include "engine/Orvel.h"
 #include "game/Game.h"
@@ -255,7 +255,7 @@ int main(int argc, char** argv) {
     // A run started for the in-play memory row leaves its peak behind for the row to read.
     if (const char* path = getenv(BenchSession::PEAK_FILE_VARIABLE)) {
         if (FILE* file = fopen(path, "w")) {
-            fprintf(file, "%.0f\n", process_status::peakResidentKib(0));
+            fprintf(file, "%.0f\n", processes::peakResidentKib(0));
             fclose(file);
         }
     }

@@ -14,15 +14,13 @@
 #include <string>
 #include <vector>
 
-#include <fcntl.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <benchmark/benchmark.h>
 
 #include "bench/BenchSession.h"
-#include "bench/ProcessStatus.h"
+#include "bench/Processes.h"
 #include "engine/GL.h"
 #include "engine/Orvel.h"
 #include "engine/Vector.h"
@@ -45,8 +43,6 @@
 using orvel::Orvel;
 using orvel::vec2;
 using orvel::vec4;
-
-extern char** environ;
 
 namespace {
 
@@ -401,7 +397,7 @@ void PeakMemory(benchmark::State& state) {
     state.SetLabel("bench process peak RSS");
     for (auto _ : state) {
     }
-    state.counters["peak_rss_mib"] = process_status::peakResidentKib(0) / 1024.0;
+    state.counters["peak_rss_mib"] = processes::peakResidentKib(0) / 1024.0;
 }
 
 // The peak resident memory of a frame_bench run of its own that plays only the wave-17 fight with
@@ -418,25 +414,13 @@ void PeakMemoryInPlay(benchmark::State& state) {
         return;
     }
     close(fd);
-    std::vector<std::string> env;
-    for (char** e = environ; *e; ++e) env.emplace_back(*e);
-    env.push_back(std::string(BenchSession::PEAK_FILE_VARIABLE) + "=" + peakFile);
-    std::vector<char*> envp;
-    for (std::string& s : env) envp.push_back(&s[0]);
-    envp.push_back(nullptr);
+    const std::string setting = std::string(BenchSession::PEAK_FILE_VARIABLE) + "=" + peakFile;
     char self[] = "/proc/self/exe";
     char filter[] = "--benchmark_filter=^FullFrameSound/wave:17/";
     char* argv[] = {self, filter, nullptr};
-
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-    pid_t pid = -1;
-    const bool started = posix_spawn(&pid, self, &actions, nullptr, argv, envp.data()) == 0;
-    posix_spawn_file_actions_destroy(&actions);
+    const pid_t pid = processes::spawnQuietly(self, argv, setting.c_str());
     int status = 0;
-    const bool ended = started && waitpid(pid, &status, 0) == pid && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    const bool ended = pid > 0 && waitpid(pid, &status, 0) == pid && WIFEXITED(status) && WEXITSTATUS(status) == 0;
     double kib = -1.0;
     if (FILE* file = fopen(peakFile, "r")) {
         if (fscanf(file, "%lf", &kib) != 1) kib = -1.0;

@@ -14,14 +14,11 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
-#include <cstring>
 #include <string>
 #include <thread>
 #include <vector>
 
-#include <fcntl.h>
 #include <signal.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -31,11 +28,9 @@
 #include <SDL/SDL.h>
 #include <benchmark/benchmark.h>
 
-#include "bench/ProcessStatus.h"
+#include "bench/Processes.h"
 #include "engine/GL.h"
 #include "engine/Orvel.h"
-
-extern char** environ;
 
 namespace {
 
@@ -131,29 +126,14 @@ public:
 
     // Starts the game with SDL_AUDIODRIVER=dummy and its output to /dev/null.
     bool start() {
-        std::vector<std::string> env;
-        for (char** e = environ; *e; ++e) {
-            if (strncmp(*e, "SDL_AUDIODRIVER=", 16) != 0) env.emplace_back(*e);
-        }
-        env.emplace_back("SDL_AUDIODRIVER=dummy");
-        std::vector<char*> envp;
-        for (std::string& s : env) envp.push_back(&s[0]);
-        envp.push_back(nullptr);
         char binary[] = NIGHTVECTOR_BINARY;
         char* argv[] = {binary, nullptr};
-
-        posix_spawn_file_actions_t actions;
-        posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-        posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-        const int status = posix_spawn(&pid, binary, &actions, nullptr, argv, envp.data());
-        posix_spawn_file_actions_destroy(&actions);
-        if (status != 0) pid = -1;
+        pid = processes::spawnQuietly(binary, argv, "SDL_AUDIODRIVER=dummy");
         return pid > 0;
     }
     bool isRunning() const { return pid > 0 && waitpid(pid, nullptr, WNOHANG) == 0; }
-    double peakResidentKib() const { return pid > 0 ? process_status::peakResidentKib(pid) : -1.0; }
-    double cpuSeconds() const { return pid > 0 ? process_status::cpuSeconds(pid) : -1.0; }
+    double peakResidentKib() const { return pid > 0 ? processes::peakResidentKib(pid) : -1.0; }
+    double cpuSeconds() const { return pid > 0 ? processes::cpuSeconds(pid) : -1.0; }
     void stop() {
         if (pid <= 0) return;
         kill(pid, SIGKILL);

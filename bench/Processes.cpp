@@ -1,11 +1,17 @@
-#include "bench/ProcessStatus.h"
+#include "bench/Processes.h"
 
 #include <cstdio>
 #include <cstring>
+#include <string>
+#include <vector>
 
+#include <fcntl.h>
+#include <spawn.h>
 #include <unistd.h>
 
-namespace process_status {
+extern char** environ;
+
+namespace processes {
 
 namespace {
 
@@ -20,6 +26,28 @@ FILE* openProcFile(int pid, const char* name) {
 }
 
 } // namespace
+
+pid_t spawnQuietly(const char* path, char* const argv[], const char* setting) {
+    const char* equals = strchr(setting, '=');
+    const size_t nameLength = equals ? (size_t)(equals - setting) + 1 : strlen(setting);
+    std::vector<std::string> env;
+    for (char** e = environ; *e; ++e) {
+        if (strncmp(*e, setting, nameLength) != 0) env.emplace_back(*e);
+    }
+    env.emplace_back(setting);
+    std::vector<char*> envp;
+    for (std::string& s : env) envp.push_back(&s[0]);
+    envp.push_back(nullptr);
+
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+    pid_t pid = -1;
+    const int status = posix_spawn(&pid, path, &actions, nullptr, argv, envp.data());
+    posix_spawn_file_actions_destroy(&actions);
+    return status == 0 ? pid : -1;
+}
 
 double peakResidentKib(int pid) {
     FILE* file = openProcFile(pid, "status");
@@ -55,4 +83,4 @@ double cpuSeconds(int pid) {
     return (double)(utime + stime) / (double)sysconf(_SC_CLK_TCK);
 }
 
-} // namespace process_status
+} // namespace processes
