@@ -59,6 +59,7 @@ void startAudio();
 // (about 8 MiB) for the rest of the run; the driver's threads allocate little. Call it before any
 // thread starts: a thread that has allocated keeps the heap it has.
 void shareOneHeap();
+
 // Start-up: window, resources, scene roots, fader, intro screen, music and sound effects, memory
 // report.
 void startUp();

@@ -3,6 +3,7 @@
 
 #include "game/Main.h"
 
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <malloc.h>
