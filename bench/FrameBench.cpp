@@ -18,7 +18,7 @@
 #include <benchmark/benchmark.h>
 
 #include "bench/BenchSession.h"
-#include "bench/Processes.h"
+#include "tests/support/Processes.h"
 #include "bench/TableReporter.h"
 #include "engine/Orvel.h"
 #include "game/Game.h"

@@ -20,7 +20,7 @@
 #include <benchmark/benchmark.h>
 
 #include "bench/BenchSession.h"
-#include "bench/Processes.h"
+#include "tests/support/Processes.h"
 #include "engine/GL.h"
 #include "engine/Orvel.h"
 #include "engine/Vector.h"

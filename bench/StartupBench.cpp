@@ -28,7 +28,7 @@
 #include <SDL/SDL.h>
 #include <benchmark/benchmark.h>
 
-#include "bench/Processes.h"
+#include "tests/support/Processes.h"
 #include "engine/GL.h"
 #include "engine/Orvel.h"
 

@@ -1,16 +1,14 @@
 // Pausing the real program: P shows "Paused" over a still picture and resumes, a second window
 // taking the focus pauses, Escape quits from the pause; the CPU a pause uses is measured.
 
-#include <fstream>
 #include <iostream>
-#include <sstream>
 #include <string>
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include "tests/e2e/PlaySession.h"
 #include "tests/support/GameProcess.h"
+#include "tests/support/Processes.h"
 #include "tests/support/XDriver.h"
 
 // After GoogleTest: Xlib's macros (None, Bool, ...) would break its headers.
@@ -47,25 +45,6 @@ long long brightness(const Image& image) {
     return sum;
 }
 
-// CPU time the process has used, in clock ticks (user and system), from /proc.
-long long cpuTicks(int pid) {
-    std::ifstream in("/proc/" + std::to_string(pid) + "/stat");
-    std::string line;
-    std::getline(in, line);
-    // The fields after the command name, which is in parentheses and may hold spaces.
-    std::istringstream rest(line.substr(line.rfind(')') + 2));
-    std::string field;
-    long long utime = 0, stime = 0;
-    for (int i = 3; rest >> field; ++i) {
-        if (i == 14) utime = std::stoll(field);
-        if (i == 15) {
-            stime = std::stoll(field);
-            break;
-        }
-    }
-    return utime + stime;
-}
-
 // Into play with the pointer clear of the centre; the first wave comes five seconds after the
 // game starts, so enemies are there after seven.
 void startPlaying(GameProcess& game) {
@@ -85,9 +64,11 @@ TEST(PausePlay, PShowsPausedOverAStillPictureAndPResumes) {
     game.holdKey("p");
     e2e::pause(500);
     ASSERT_TRUE(e2e::nextScreenshot(game, dir, number, first));
-    const long long before = cpuTicks(game.processId());
+    const double before = processes::cpuSeconds(game.processId());
     e2e::pause(2000);
-    const long long after = cpuTicks(game.processId());
+    const double after = processes::cpuSeconds(game.processId());
+    ASSERT_GE(before, 0.0);
+    ASSERT_GE(after, 0.0);
     ASSERT_TRUE(e2e::nextScreenshot(game, dir, number, second));
     // Stars, enemies and shots stand still: the two pictures are the same, pixel for pixel.
     EXPECT_TRUE(first.pixels == second.pixels);
@@ -95,7 +76,7 @@ TEST(PausePlay, PShowsPausedOverAStillPictureAndPResumes) {
     EXPECT_GT(hintInk(first), 100);
     EXPECT_LT(hintInk(playing), 20);
     EXPECT_LT(brightness(first) * 10, brightness(playing) * 6);
-    const double share = (double)(after - before) / (double)sysconf(_SC_CLK_TCK) / 2.0;
+    const double share = (after - before) / 2.0;
     std::cout << "CPU while paused: " << share * 100.0 << " % of one core over 2 s\n";
     RecordProperty("paused_cpu_percent", std::to_string(share * 100.0));
 

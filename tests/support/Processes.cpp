@@ -1,4 +1,4 @@
-#include "bench/Processes.h"
+#include "tests/support/Processes.h"
 
 #include <cstdio>
 #include <cstring>

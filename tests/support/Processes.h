@@ -1,6 +1,6 @@
 #pragma once
-// Starts programs for the benchmarks and reads a process's resident memory and CPU time from
-// /proc/<pid>.
+// Starts programs for the benchmarks, and reads a process's resident memory and CPU time from
+// /proc/<pid> for them and the tests.
 
 #include <sys/types.h>
 
