@@ -5,6 +5,7 @@ BUILD_DIR  ?= build
 BENCH_DIR  ?= build-bench
 SANITIZE_DIR ?= build-sanitize
 SOAK_SECONDS ?= 1800
+STARTUP_STORM_STARTS ?= 300
 BUILD_TYPE ?= RelWithDebInfo
 JOBS       ?= $(shell nproc)
 
@@ -13,7 +14,7 @@ TEST_PACKAGES  := libgtest-dev libbenchmark-dev xvfb xdotool libgl1-mesa-dri pyt
 ASSET_PACKAGES := python3 python3-pil python3-numpy python3-soundfile fonts-dejavu-core
 PACKAGE_PACKAGES := dpkg-dev file
 
-.PHONY: all build run test test-sanitize soak bench package assets build-deps test-deps asset-deps clean
+.PHONY: all build run test test-sanitize startup-storm soak bench package assets build-deps test-deps asset-deps clean
 
 all: build
 
@@ -38,6 +39,13 @@ run: build-deps
 	cmake --build $(BUILD_DIR) -j $(JOBS) --target nightvector
 	./$(BUILD_DIR)/nightvector
 
+# Runs $(2) in build directory $(1) with the crash ledger emptied first, then fails if any game the
+# tests started died from a signal (tests/check-crash-ledger), even where the test itself passed on
+# its second run. The command's own failure is reported after the ledger.
+with_crash_ledger = rm -f $(1)/e2e-crashes.txt; \
+	(cd $(1) && $(2)); status=$$?; \
+	tests/check-crash-ledger $(1)/e2e-crashes.txt && exit $$status
+
 # GL tests start a private Xvfb server (1280x720x24) each; see tests/xvfb-exec. Unit tests run
 # once: one failure is a failure. End-to-end tests (label e2e) drive the real program through X
 # on a busy machine, so a failed one runs once more before it counts as failed; a real fault
@@ -47,7 +55,7 @@ test: test-deps
 	$(call configure,-DNIGHTVECTOR_TESTS=ON -DNIGHTVECTOR_BENCH=ON)
 	cmake --build $(BUILD_DIR) -j $(JOBS)
 	cd $(BUILD_DIR) && ctest --output-on-failure -j $(JOBS) -LE e2e
-	cd $(BUILD_DIR) && ctest --output-on-failure -j $(JOBS) -L e2e --repeat until-pass:2
+	$(call with_crash_ledger,$(BUILD_DIR),ctest --output-on-failure -j $(JOBS) -L e2e --repeat until-pass:2)
 	$(MAKE) test-sanitize
 
 # Every program of ours built with AddressSanitizer and UndefinedBehaviorSanitizer in a build
@@ -64,14 +72,22 @@ SANITIZE_ENV := \
 test-sanitize: test-deps
 	cmake -S . -B $(SANITIZE_DIR) -DCMAKE_BUILD_TYPE=$(BUILD_TYPE) -DNIGHTVECTOR_TESTS=ON -DNIGHTVECTOR_SANITIZE=ON
 	cmake --build $(SANITIZE_DIR) -j $(JOBS)
-	cd $(SANITIZE_DIR) && $(SANITIZE_ENV) ctest --output-on-failure -j $(JOBS) -LE '^e2e$$' -E '^(MusicAsset|Assets)\.'
+	$(call with_crash_ledger,$(SANITIZE_DIR),$(SANITIZE_ENV) ctest --output-on-failure -j $(JOBS) -LE '^e2e$$' -E '^(MusicAsset|Assets)\.')
 
-# The input storm for half an hour (SOAK_SECONDS) against the normal build, with the game's
-# resident memory sampled every 10 s into $(BUILD_DIR)/soak-rss.csv; after the first minute it
-# must stay within 2 MB. Not part of `make test`.
-soak: test-deps
+# The start-up storm: the normal build started STARTUP_STORM_STARTS times (300) to its intro and
+# quit again, with an X client reading the screen every 2 ms beside it; it prints the crashes it
+# counted and fails on any. `make test` runs 30 starts of it. Part of `make soak`.
+startup-storm: test-deps
 	$(call configure,-DNIGHTVECTOR_TESTS=ON)
 	cmake --build $(BUILD_DIR) -j $(JOBS) --target e2e_tests
+	$(call with_crash_ledger,$(BUILD_DIR),NIGHTVECTOR_STARTUP_STORM_STARTS=$(STARTUP_STORM_STARTS) \
+		NIGHTVECTOR_CRASH_LEDGER=$(abspath $(BUILD_DIR))/e2e-crashes.txt \
+		$(CURDIR)/tests/xvfb-exec tests/e2e/e2e_tests --gtest_filter='StartupStorm.*')
+
+# The start-up storm, then the input storm for half an hour (SOAK_SECONDS) against the normal
+# build, with the game's resident memory sampled every 10 s into $(BUILD_DIR)/soak-rss.csv; after
+# the first minute it must stay within 2 MB. Not part of `make test`.
+soak: startup-storm
 	tests/e2e/soak.sh $(BUILD_DIR)/tests/e2e/e2e_tests $(SOAK_SECONDS) $(BUILD_DIR)/soak-rss.csv
 
 # A Release build of its own, run from the repository root (the game reads gfx/ and shaders/

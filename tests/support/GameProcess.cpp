@@ -13,6 +13,7 @@
 #include <unistd.h>
 
 #include <SDL/SDL.h>
+#include <gtest/gtest.h>
 
 #include "tests/support/XDriver.h"
 
@@ -76,7 +77,11 @@ void Surroundings::linkData() {
 bool Surroundings::exists(const std::string& file) const { return access((dir + "/" + file).c_str(), F_OK) == 0; }
 
 GameProcess::GameProcess(const std::string& workingDir, const std::vector<std::string>& env)
-    : dir(workingDir), pid(-1), status(-1), ended(false) {
+    : dir(workingDir), pid(-1), status(-1), endSignal(0), ended(false) {
+    // Emptied here, before the child exists: a run in a directory used before must not show the
+    // last run's output to a caller that starts waiting for it at once.
+    const int out = open((dir + "/stdout.txt").c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+    const int err = open((dir + "/stderr.txt").c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
     pid = fork();
     if (pid == 0) {
         if (chdir(dir.c_str()) != 0) _exit(126);
@@ -89,20 +94,41 @@ GameProcess::GameProcess(const std::string& workingDir, const std::vector<std::s
             else
                 setenv(name.c_str(), value.c_str(), 1);
         }
-        int out = open("stdout.txt", O_WRONLY | O_CREAT | O_TRUNC, 0644);
-        int err = open("stderr.txt", O_WRONLY | O_CREAT | O_TRUNC, 0644);
         dup2(out, 1);
         dup2(err, 2);
         execl(GAME_BINARY, GAME_BINARY, (char*)nullptr);
         _exit(127);
     }
+    if (out >= 0) close(out);
+    if (err >= 0) close(err);
 }
 
 GameProcess::~GameProcess() {
+    // Our own kill is no crash: the child is reaped here without a look at how it ended.
     if (pid > 0 && isRunning()) {
         kill(pid, SIGKILL);
         waitpid(pid, nullptr, 0);
     }
+}
+
+void recordCrash(const std::string& line) {
+    const char* ledger = std::getenv("NIGHTVECTOR_CRASH_LEDGER");
+    if (!ledger || !*ledger) return;
+    std::ofstream out(ledger, std::ios::app);
+    out << line << '\n';
+}
+
+void GameProcess::reaped(int waitStatus) {
+    ended = true;
+    status = WIFEXITED(waitStatus) ? WEXITSTATUS(waitStatus) : -1;
+    if (!WIFSIGNALED(waitStatus)) return;
+    endSignal = WTERMSIG(waitStatus);
+    const ::testing::TestInfo* test = ::testing::UnitTest::GetInstance()->current_test_info();
+    std::string name = test ? std::string(test->test_suite_name()) + "." + test->name() : "outside a test";
+    std::string errors = this->errors();
+    if (errors.size() > 2000) errors = "..." + errors.substr(errors.size() - 2000);
+    recordCrash(name + ": the game (pid " + std::to_string(pid) + ") died from signal " + std::to_string(endSignal) +
+                " (" + strsignal(endSignal) + ") in " + dir + "; its standard error:\n" + errors);
 }
 
 std::string GameProcess::readFile(const std::string& name) const {
@@ -119,8 +145,7 @@ bool GameProcess::isRunning() {
     if (ended || pid <= 0) return false;
     int s = 0;
     if (waitpid(pid, &s, WNOHANG) == pid) {
-        ended = true;
-        status = WIFEXITED(s) ? WEXITSTATUS(s) : -1;
+        reaped(s);
         return false;
     }
     return true;

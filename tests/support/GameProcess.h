@@ -55,6 +55,10 @@ public:
     // Waits for the process to end; its exit status, or -1 after a signal or when time ran out.
     int waitForExit(int timeoutMs = 30000);
     bool isRunning();
+    // The signal that ended the process (SIGSEGV, SIGABRT, ...), 0 while it runs or after a
+    // normal exit. A game that dies from a signal has crashed: the death is also written to the
+    // crash ledger (below), which a second run of the test cannot wipe out.
+    int signal() const { return endSignal; }
     // The game's process id.
     int processId() const { return pid; }
 
@@ -82,9 +86,16 @@ private:
     std::string dir;
     int pid;
     int status;
+    int endSignal;
     bool ended;
     std::string readFile(const std::string& name) const;
+    void reaped(int waitStatus);
 };
+
+// Appends one line about a crash to the file NIGHTVECTOR_CRASH_LEDGER names, if it names one.
+// The end-to-end run checks that file once all of its tests are done, so that a crash fails the
+// run even when the test that saw it passes on its second try.
+void recordCrash(const std::string& line);
 
 // A BMP read back as packed 0xRRGGBB pixels, top row first.
 struct Image {

@@ -1,0 +1,86 @@
+// A game that dies from a signal is a crash, told apart from a normal exit and written to the
+// crash ledger with the name of the test that saw it; a game ended by the test's own kill is not.
+
+#include <csignal>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/GameProcess.h"
+
+using e2e::GameProcess;
+using e2e::Surroundings;
+
+namespace {
+
+// Points the ledger at a file of the test's own for its lifetime, and puts the old setting back.
+class OwnLedger {
+public:
+    explicit OwnLedger(const std::string& path) : path(path) {
+        const char* old = std::getenv("NIGHTVECTOR_CRASH_LEDGER");
+        hadOld = old != nullptr;
+        if (old) oldValue = old;
+        setenv("NIGHTVECTOR_CRASH_LEDGER", path.c_str(), 1);
+        unlink(path.c_str());
+    }
+    ~OwnLedger() {
+        if (hadOld)
+            setenv("NIGHTVECTOR_CRASH_LEDGER", oldValue.c_str(), 1);
+        else
+            unsetenv("NIGHTVECTOR_CRASH_LEDGER");
+        unlink(path.c_str());
+    }
+    std::string text() const {
+        std::ifstream in(path);
+        std::stringstream all;
+        all << in.rdbuf();
+        return all.str();
+    }
+
+private:
+    std::string path;
+    bool hadOld = false;
+    std::string oldValue;
+};
+
+} // namespace
+
+TEST(CrashLedger, AGameEndedBySegmentationFaultIsACrashInTheLedger) {
+    Surroundings dir;
+    dir.linkData();
+    OwnLedger ledger(dir.path() + "/ledger.txt");
+    GameProcess game(dir.path());
+    ASSERT_TRUE(game.waitForOutput("megabytes\n"));
+    kill(game.processId(), SIGSEGV);
+    EXPECT_EQ(game.waitForExit(), -1);
+    EXPECT_EQ(game.signal(), SIGSEGV);
+    const std::string text = ledger.text();
+    EXPECT_EQ(text.rfind("CrashLedger.AGameEndedBySegmentationFaultIsACrashInTheLedger: the game (pid " +
+                             std::to_string(game.processId()) + ") died from signal 11 (Segmentation fault) in " +
+                             dir.path() + "; its standard error:\n",
+                         0),
+              0u)
+        << text;
+}
+
+TEST(CrashLedger, ANormalExitAndTheTestsOwnKillLeaveTheLedgerEmpty) {
+    Surroundings dir;
+    dir.linkData();
+    OwnLedger ledger(dir.path() + "/ledger.txt");
+    {
+        GameProcess game(dir.path());
+        ASSERT_TRUE(game.waitForOutput("megabytes\n"));
+        EXPECT_EQ(game.escapeAndWaitForExit(), 0);
+        EXPECT_EQ(game.signal(), 0);
+    }
+    {
+        GameProcess killed(dir.path());
+        ASSERT_TRUE(killed.waitForOutput("megabytes\n"));
+    }
+    EXPECT_EQ(ledger.text(), "");
+}
