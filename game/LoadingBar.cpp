@@ -8,6 +8,7 @@
 using orvel::Orvel;
 
 unsigned LoadingBar::framesShown = 0;
+uint32_t (*LoadingBar::clock)() = SDL_GetTicks;
 
 namespace {
 
@@ -39,8 +40,13 @@ int LoadingBar::filledWidth(unsigned done, unsigned total, int width) {
     return (int)((long long)length * done / total);
 }
 
+void LoadingBar::reset() {
+    framesShown = 0;
+    lastShown = 0;
+}
+
 void LoadingBar::show(unsigned done, unsigned total) {
-    const uint32_t now = SDL_GetTicks();
+    const uint32_t now = clock();
     const bool full = total > 0 && done >= total;
     if (framesShown > 0 && !full && now - lastShown < MIN_FRAME_MS) return;
 

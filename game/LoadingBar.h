@@ -26,4 +26,9 @@ public:
 
     // Frames shown so far.
     static unsigned framesShown;
+
+    // Where the bar reads the time in ms: SDL_GetTicks, or a clock a test steps itself.
+    static uint32_t (*clock)();
+    // Forgets the frames shown, so that the next call shows one whatever the time.
+    static void reset();
 };

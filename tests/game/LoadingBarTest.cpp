@@ -15,7 +15,21 @@ namespace {
 
 class LoadingBarTest : public testing_support::GLTest {
 protected:
-    void SetUp() override { openWindow(1280, 720); }
+    // The bar's clock: only the test moves it, so no span depends on how busy the machine is.
+    static uint32_t now;
+    static uint32_t steppedClock() { return now; }
+
+    void SetUp() override {
+        openWindow(1280, 720);
+        now = 5000;
+        LoadingBar::clock = steppedClock;
+        LoadingBar::reset();
+    }
+    void TearDown() override {
+        LoadingBar::clock = SDL_GetTicks;
+        LoadingBar::reset();
+        GLTest::TearDown();
+    }
 
     // What the last swap showed: Mesa's software swap copies the back buffer out and keeps it.
     static Pixels shown() { return readScreen(); }
@@ -23,6 +37,8 @@ protected:
     // The bar's rows run from 720 - 48 - 3 = 669 to 671.
     static const int BAR_Y = 670;
 };
+
+uint32_t LoadingBarTest::now = 0;
 
 TEST_F(LoadingBarTest, TheFilledWidthIsTheShareOfFilesDoneOfTheBarsLength) {
     // 1280 pixels less 160 at each side: a bar 960 long.
@@ -43,9 +59,11 @@ TEST_F(LoadingBarTest, ShowsTheFilledPartAndTheTrackOnBlack) {
     glClearColor(1, 0, 0, 1);
     glClear(GL_COLOR_BUFFER_BIT);
     LoadingBar::show(10, 10); // full: shown whatever the time
-    LoadingBar::show(1, 4);   // may be too soon after; the full bar then stays
-    SDL_Delay(LoadingBar::MIN_FRAME_MS + 5);
+    LoadingBar::show(1, 4);   // too soon after: the full bar stays
+    EXPECT_EQ(LoadingBar::framesShown, 1u);
+    now += LoadingBar::MIN_FRAME_MS;
     LoadingBar::show(1, 4);
+    ASSERT_EQ(LoadingBar::framesShown, 2u);
     Pixels p = shown();
     // Filled from x = 160 to 160 + 960 / 4 = 400, the track on to x = 1120.
     EXPECT_EQ(p.at(160, BAR_Y) & 0xffffffu, rgba(120, 220, 255, 0));
@@ -62,15 +80,34 @@ TEST_F(LoadingBarTest, ShowsTheFilledPartAndTheTrackOnBlack) {
 
 TEST_F(LoadingBarTest, ShowsAtMostOneFrameInEachShortSpanButAlwaysTheFullBar) {
     LoadingBar::show(1, 10);
-    const unsigned before = LoadingBar::framesShown;
+    EXPECT_EQ(LoadingBar::framesShown, 1u);
+    now += 10;
     LoadingBar::show(2, 10);
+    now += LoadingBar::MIN_FRAME_MS - 11;
     LoadingBar::show(3, 10);
-    EXPECT_EQ(LoadingBar::framesShown, before);
+    EXPECT_EQ(LoadingBar::framesShown, 1u);
     LoadingBar::show(10, 10);
-    EXPECT_EQ(LoadingBar::framesShown, before + 1);
-    SDL_Delay(LoadingBar::MIN_FRAME_MS + 5);
+    EXPECT_EQ(LoadingBar::framesShown, 2u);
+    now += LoadingBar::MIN_FRAME_MS;
     LoadingBar::show(4, 10);
-    EXPECT_EQ(LoadingBar::framesShown, before + 2);
+    EXPECT_EQ(LoadingBar::framesShown, 3u);
+}
+
+TEST_F(LoadingBarTest, TheFirstFrameShowsWhateverTheTime) {
+    now = 0;
+    LoadingBar::show(0, 1);
+    EXPECT_EQ(LoadingBar::framesShown, 1u);
+}
+
+TEST_F(LoadingBarTest, AFrameIsDueExactlyMinFrameMsAfterTheLastEvenAcrossTheClocksWrap) {
+    now = 0xffffffffu - 9;
+    LoadingBar::show(1, 10);
+    now += LoadingBar::MIN_FRAME_MS - 1;
+    LoadingBar::show(2, 10);
+    EXPECT_EQ(LoadingBar::framesShown, 1u);
+    now += 1;
+    LoadingBar::show(3, 10);
+    EXPECT_EQ(LoadingBar::framesShown, 2u);
 }
 
 TEST_F(LoadingBarTest, LeavesTheGLStateAsItFoundIt) {
@@ -85,10 +122,8 @@ TEST_F(LoadingBarTest, LeavesTheGLStateAsItFoundIt) {
     glMatrixMode(GL_MODELVIEW);
     glLoadIdentity();
     glTranslatef(0, 5, 0);
-    SDL_Delay(LoadingBar::MIN_FRAME_MS + 5);
-    const unsigned before = LoadingBar::framesShown;
     LoadingBar::show(1, 2);
-    ASSERT_EQ(LoadingBar::framesShown, before + 1);
+    ASSERT_EQ(LoadingBar::framesShown, 1u);
 
     EXPECT_TRUE(glIsEnabled(GL_BLEND));
     EXPECT_TRUE(glIsEnabled(GL_TEXTURE_2D));
