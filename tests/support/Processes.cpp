@@ -7,6 +7,7 @@
 
 #include <fcntl.h>
 #include <spawn.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 extern char** environ;
@@ -81,6 +82,19 @@ double cpuSeconds(int pid) {
     unsigned long stime = 0;
     if (sscanf(rest + 1, " %*c %*d %*d %*d %*d %*d %*u %*u %*u %*u %*u %lu %lu", &utime, &stime) != 2) return -1.0;
     return (double)(utime + stime) / (double)sysconf(_SC_CLK_TCK);
+}
+
+int runUnprivileged(const std::function<int()>& body) {
+    const uid_t NOBODY = 65534;
+    const pid_t child = fork();
+    if (child < 0) return -1;
+    if (child == 0) {
+        if (geteuid() == 0 && (setgid(NOBODY) != 0 || setuid(NOBODY) != 0)) _exit(126);
+        _exit(body() & 0xff);
+    }
+    int status = 0;
+    if (waitpid(child, &status, 0) != child || !WIFEXITED(status)) return -1;
+    return WEXITSTATUS(status);
 }
 
 } // namespace processes

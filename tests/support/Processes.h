@@ -2,6 +2,8 @@
 // Starts programs for the benchmarks, and reads a process's resident memory and CPU time from
 // /proc/<pid> for them and the tests.
 
+#include <functional>
+
 #include <sys/types.h>
 
 namespace processes {
@@ -18,5 +20,10 @@ double peakResidentKib(int pid);
 // The CPU time process `pid` (0 for this process) has used so far, all its threads together, user
 // and system, in seconds; -1 when it cannot be read.
 double cpuSeconds(int pid);
+
+// Runs `body` in a child process that has given up root's rights (as the user "nobody") when it
+// had them, so that file permissions hold for it as for a player; returns the value `body`
+// returned, or -1 when the child did not end normally. Call it from a single-threaded process.
+int runUnprivileged(const std::function<int()>& body);
 
 } // namespace processes

@@ -1,0 +1,80 @@
+#include "game/scores/ScoreFile.h"
+
+#include <cstdio>
+
+#include "engine/SafeFile.h"
+#include "engine/UserDirs.h"
+
+using orvel::SafeFile;
+
+namespace {
+
+std::string directoryOf(const std::string& path) {
+    const size_t slash = path.rfind('/');
+    return slash == std::string::npos ? "." : path.substr(0, slash);
+}
+
+} // namespace
+
+std::string ScoreFile::defaultPath() {
+    const std::string data = orvel::UserDirs::dataHome();
+    return data.empty() ? "" : data + "/nightvector/scores";
+}
+
+ScoreFile::ScoreFile(const std::string& path) : path(path), damageReported(false) {}
+
+ScoreTable ScoreFile::read(bool& damaged) {
+    damaged = false;
+    std::string bytes, error;
+    const SafeFile::ReadStatus status = SafeFile::read(path, READ_LIMIT, bytes, error);
+    if (status == SafeFile::READ_MISSING) return ScoreTable();
+    ScoreTable::Reading reading;
+    const ScoreTable table = ScoreTable::parse(bytes, reading);
+    std::string problem;
+    if (status == SafeFile::READ_NOT_FILE || status == SafeFile::READ_FAILED)
+        problem = "cannot be read (" + error + ")";
+    else if (status == SafeFile::READ_TRUNCATED)
+        problem = "is longer than " + std::to_string(READ_LIMIT / 1024) + " KiB";
+    else if (!reading.knownHeader && !bytes.empty())
+        problem = "is not a scores file of this version";
+    else if (reading.damaged())
+        problem = "has " + std::to_string(reading.skipped) + " damaged line" + (reading.skipped == 1 ? "" : "s");
+    else
+        return table;
+    damaged = true;
+    if (!damageReported) {
+        damageReported = true;
+        fprintf(stderr, "Scores file %s %s: kept %u entr%s; the next score saved moves it to %s.bad\n", path.c_str(),
+                problem.c_str(), (unsigned)table.entries().size(), table.entries().size() == 1 ? "y" : "ies",
+                path.c_str());
+    }
+    return table;
+}
+
+ScoreTable ScoreFile::load() {
+    bool damaged = false;
+    return read(damaged);
+}
+
+ScoreTable ScoreFile::record(const ScoreEntry& entry, int& rank) {
+    std::string error;
+    if (!SafeFile::makeDirectories(directoryOf(path), error)) {
+        ScoreTable table = load();
+        rank = table.add(entry);
+        fprintf(stderr, "Could not save the scores to %s: %s\n", path.c_str(), error.c_str());
+        return table;
+    }
+    SafeFile::Lock lock(path + ".lock");
+    bool damaged = false;
+    ScoreTable table = read(damaged);
+    rank = table.add(entry);
+    // A game that did not make the table leaves the file as it is.
+    if (rank < 0) return table;
+    if (damaged && SafeFile::moveAside(path).empty()) {
+        fprintf(stderr, "Could not save the scores to %s: the damaged file could not be moved aside\n", path.c_str());
+        return table;
+    }
+    if (!SafeFile::replace(path, table.format(), error))
+        fprintf(stderr, "Could not save the scores to %s: %s\n", path.c_str(), error.c_str());
+    return table;
+}

@@ -1,0 +1,110 @@
+#include "game/scores/ScoreTable.h"
+
+#include <cerrno>
+#include <cstdlib>
+
+const char* const ScoreTable::HEADER = "nightvector scores 1";
+
+namespace {
+
+const char SEPARATOR = '\t';
+
+// A decimal number of digits alone, with no sign, no spaces and no leading zeros, at most `max`.
+bool readNumber(const std::string& field, uint64_t max, uint64_t& value) {
+    if (field.empty() || field.size() > 20) return false;
+    if (field.size() > 1 && field[0] == '0') return false;
+    value = 0;
+    for (char c : field) {
+        if (c < '0' || c > '9') return false;
+        const uint64_t digit = (uint64_t)(c - '0');
+        if (value > (max - digit) / 10) return false;
+        value = value * 10 + digit;
+    }
+    return true;
+}
+
+} // namespace
+
+bool ScoreTable::isNameCharacter(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == ' ' || c == '-' ||
+           c == '_';
+}
+
+bool ScoreTable::isValidName(const std::string& name) {
+    if (name.empty() || name.size() > NAME_MAX) return false;
+    for (char c : name)
+        if (!isNameCharacter(c)) return false;
+    return true;
+}
+
+int ScoreTable::add(const ScoreEntry& entry) {
+    size_t place = 0;
+    while (place < list.size() && list[place].score >= entry.score) ++place;
+    if (place >= SIZE) return -1;
+    list.insert(list.begin() + (long)place, entry);
+    if (list.size() > SIZE) list.resize(SIZE);
+    return (int)place;
+}
+
+bool ScoreTable::qualifies(uint32_t score) const { return list.size() < SIZE || score > list.back().score; }
+
+void ScoreTable::merge(const ScoreTable& other) {
+    for (const ScoreEntry& entry : other.list) add(entry);
+}
+
+std::string ScoreTable::formatLine(const ScoreEntry& entry) {
+    return std::to_string(entry.score) + SEPARATOR + std::to_string(entry.wave) + SEPARATOR +
+           std::to_string(entry.when) + SEPARATOR + entry.name;
+}
+
+std::string ScoreTable::format() const {
+    std::string text = std::string(HEADER) + "\n";
+    for (const ScoreEntry& entry : list) text += formatLine(entry) + "\n";
+    return text;
+}
+
+bool ScoreTable::parseLine(const std::string& line, ScoreEntry& entry) {
+    const size_t a = line.find(SEPARATOR);
+    const size_t b = a == std::string::npos ? a : line.find(SEPARATOR, a + 1);
+    const size_t c = b == std::string::npos ? b : line.find(SEPARATOR, b + 1);
+    if (c == std::string::npos) return false;
+    uint64_t score = 0, wave = 0, when = 0;
+    if (!readNumber(line.substr(0, a), UINT32_MAX, score)) return false;
+    if (!readNumber(line.substr(a + 1, b - a - 1), UINT32_MAX, wave)) return false;
+    if (!readNumber(line.substr(b + 1, c - b - 1), INT64_MAX, when)) return false;
+    const std::string name = line.substr(c + 1);
+    if (!isValidName(name)) return false;
+    entry.score = (uint32_t)score;
+    entry.wave = (uint32_t)wave;
+    entry.when = (int64_t)when;
+    entry.name = name;
+    return true;
+}
+
+ScoreTable ScoreTable::parse(const std::string& text, Reading& reading) {
+    reading = Reading();
+    ScoreTable table;
+    size_t start = 0;
+    bool first = true;
+    while (start < text.size()) {
+        size_t end = text.find('\n', start);
+        // A last line without its line break was cut short: it is not trusted.
+        const bool whole = end != std::string::npos;
+        if (!whole) end = text.size();
+        const std::string line = text.substr(start, end - start);
+        start = end + 1;
+        if (first) {
+            first = false;
+            reading.knownHeader = whole && line == HEADER;
+            if (reading.knownHeader) continue;
+        }
+        ScoreEntry entry;
+        if (whole && parseLine(line, entry)) {
+            table.add(entry);
+            ++reading.kept;
+        } else {
+            ++reading.skipped;
+        }
+    }
+    return table;
+}

@@ -1,0 +1,323 @@
+// The scores file as the player's data: created on the first entry, read back, never lost. Real
+// faults: damaged and foreign files, a directory the player cannot write, a disk that fills up
+// half-way, a writer killed at random moments, and two games saving at once.
+
+#include "game/scores/ScoreFile.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <fstream>
+#include <random>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <dirent.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+#include "engine/SafeFile.h"
+#include "tests/support/PlayerHome.h"
+#include "tests/support/Processes.h"
+
+using orvel::SafeFile;
+
+namespace {
+
+ScoreEntry entry(const std::string& name, uint32_t score, uint32_t wave = 3, int64_t when = 1764000000) {
+    ScoreEntry e;
+    e.name = name;
+    e.score = score;
+    e.wave = wave;
+    e.when = when;
+    return e;
+}
+
+class ScoreFileTest : public ::testing::Test {
+protected:
+    testing_support::PlayerHome home;
+    std::string dir = home.dataHome() + "/nightvector";
+    std::string path = dir + "/scores";
+
+    void TearDown() override { SafeFile::writeCall = ::write; }
+
+    static std::string contents(const std::string& file) {
+        std::ifstream in(file, std::ios::binary);
+        std::stringstream all;
+        all << in.rdbuf();
+        return all.str();
+    }
+    void put(const std::string& bytes) {
+        std::string error;
+        ASSERT_TRUE(SafeFile::makeDirectories(dir, error));
+        std::ofstream out(path, std::ios::binary);
+        out << bytes;
+    }
+    // Names in the scores directory but the lock file, "." and ".." left out, sorted.
+    std::string listing() const {
+        std::vector<std::string> all;
+        if (DIR* d = opendir(dir.c_str())) {
+            while (dirent* e = readdir(d)) {
+                const std::string n = e->d_name;
+                if (n != "." && n != ".." && n != "scores.lock") all.push_back(n);
+            }
+            closedir(d);
+        }
+        std::sort(all.begin(), all.end());
+        std::string names;
+        for (const std::string& n : all) names += n + " ";
+        return names;
+    }
+    // Ten entries named after `prefix`, scored 1000 to 10 000.
+    static ScoreTable fullTable(const std::string& prefix) {
+        ScoreTable table;
+        for (uint32_t i = 1; i <= 10; ++i) table.add(entry(prefix + std::to_string(i), i * 1000));
+        return table;
+    }
+};
+
+// Writes half of what it is asked to, then finds the disk full.
+ssize_t halfThenFull(int fd, const void* data, size_t size) {
+    static bool wroteHalf = false;
+    if (!wroteHalf && size > 1) {
+        wroteHalf = true;
+        return ::write(fd, data, size / 2);
+    }
+    wroteHalf = false;
+    errno = ENOSPC;
+    return -1;
+}
+
+} // namespace
+
+TEST_F(ScoreFileTest, TheFileLivesInTheDataHome) { EXPECT_EQ(ScoreFile::defaultPath(), path); }
+
+TEST_F(ScoreFileTest, NoFileIsAnEmptyTableAndNothingIsSaid) {
+    testing::internal::CaptureStderr();
+    EXPECT_TRUE(ScoreFile(path).load().entries().empty());
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(listing(), "");
+}
+
+TEST_F(ScoreFileTest, TheFirstEntryCreatesTheDirectoryAndTheFile) {
+    int rank = -2;
+    const ScoreTable table = ScoreFile(path).record(entry("Ada", 4200, 5, 1764000123), rank);
+    EXPECT_EQ(rank, 0);
+    EXPECT_EQ(table.entries().size(), 1u);
+    EXPECT_EQ(contents(path), "nightvector scores 1\n4200\t5\t1764000123\tAda\n");
+    EXPECT_EQ(listing(), "scores ");
+}
+
+TEST_F(ScoreFileTest, EachGameIsAddedToWhatTheFileHolds) {
+    int rank = 0;
+    ScoreFile(path).record(entry("one", 300), rank);
+    ScoreFile(path).record(entry("two", 500), rank);
+    EXPECT_EQ(rank, 0);
+    ScoreFile(path).record(entry("three", 300), rank);
+    EXPECT_EQ(rank, 2);
+    EXPECT_EQ(contents(path), "nightvector scores 1\n"
+                              "500\t3\t1764000000\ttwo\n"
+                              "300\t3\t1764000000\tone\n"
+                              "300\t3\t1764000000\tthree\n");
+}
+
+TEST_F(ScoreFileTest, AGameBelowAFullTableLeavesTheFileUntouched) {
+    put(fullTable("p").format());
+    struct stat before {};
+    stat(path.c_str(), &before);
+    int rank = 0;
+    const ScoreTable table = ScoreFile(path).record(entry("low", 1000), rank);
+    EXPECT_EQ(rank, -1);
+    EXPECT_EQ(table.entries().back().name, "p1");
+    struct stat after {};
+    stat(path.c_str(), &after);
+    EXPECT_EQ(after.st_ino, before.st_ino);
+    EXPECT_EQ(contents(path), fullTable("p").format());
+}
+
+TEST_F(ScoreFileTest, ADamagedFileKeepsWhatReadsSaysSoOnceAndGoesAsideBeforeTheFirstWrite) {
+    const std::string original = "nightvector scores 1\n700\t2\t5\tkept\n\x01\x02junk\n300\t1\t5\talso kept\n";
+    put(original);
+    ScoreFile file(path);
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(file.load().entries().size(), 2u);
+    int rank = 0;
+    const ScoreTable table = file.record(entry("new", 500), rank);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "Scores file " + path + " has 1 damaged line: kept 2 entries; the next score saved moves it to " +
+                  path + ".bad\n");
+    EXPECT_EQ(rank, 1);
+    EXPECT_EQ(contents(path + ".bad"), original);
+    EXPECT_EQ(contents(path), "nightvector scores 1\n"
+                              "700\t2\t5\tkept\n"
+                              "500\t3\t1764000000\tnew\n"
+                              "300\t1\t5\talso kept\n");
+    EXPECT_EQ(table.format(), contents(path));
+}
+
+TEST_F(ScoreFileTest, BinaryJunkIsAForeignFileWithNothingToKeep) {
+    std::mt19937 rng(7);
+    std::string junk;
+    for (int i = 0; i < 10000; ++i) junk += (char)(rng() & 0xff);
+    put(junk);
+    testing::internal::CaptureStderr();
+    int rank = 0;
+    ScoreFile(path).record(entry("after", 10), rank);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "Scores file " + path + " is not a scores file of this version: kept 0 entries; the next score saved "
+              "moves it to " + path + ".bad\n");
+    EXPECT_EQ(contents(path + ".bad"), junk);
+    EXPECT_EQ(contents(path), "nightvector scores 1\n10\t3\t1764000000\tafter\n");
+}
+
+TEST_F(ScoreFileTest, AHugeFileIsReadOnlyToItsFirst64KiB) {
+    // A megabyte of entries; the best ones come last, beyond what is read.
+    std::string text = "nightvector scores 1\n";
+    while (text.size() < 1024 * 1024) text += "100\t1\t1\tearly\n";
+    text += "999999\t1\t1\tlate\n";
+    put(text);
+    testing::internal::CaptureStderr();
+    const ScoreTable table = ScoreFile(path).load();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "Scores file " + path + " is longer than 64 KiB: kept 10 entries; the next score saved moves it to " +
+                  path + ".bad\n");
+    ASSERT_EQ(table.entries().size(), 10u);
+    EXPECT_EQ(table.entries().front().name, "early");
+}
+
+TEST_F(ScoreFileTest, ADirectoryInThePlaceOfTheFileIsMovedAside) {
+    std::string error;
+    ASSERT_TRUE(SafeFile::makeDirectories(path, error));
+    testing::internal::CaptureStderr();
+    int rank = 0;
+    ScoreFile(path).record(entry("here", 50), rank);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "Scores file " + path + " cannot be read (Is a directory): kept 0 entries; the next score saved moves "
+              "it to " + path + ".bad\n");
+    struct stat info {};
+    ASSERT_EQ(stat((path + ".bad").c_str(), &info), 0);
+    EXPECT_TRUE(S_ISDIR(info.st_mode));
+    EXPECT_EQ(contents(path), "nightvector scores 1\n50\t3\t1764000000\there\n");
+}
+
+TEST_F(ScoreFileTest, ALoopOfLinksIsMovedAsideWithoutAHang) {
+    std::string error;
+    ASSERT_TRUE(SafeFile::makeDirectories(dir, error));
+    symlink((dir + "/other").c_str(), path.c_str());
+    symlink(path.c_str(), (dir + "/other").c_str());
+    testing::internal::CaptureStderr();
+    int rank = 0;
+    ScoreFile(path).record(entry("looped", 50), rank);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "Scores file " + path + " cannot be read (Too many levels of symbolic links): kept 0 entries; the next "
+              "score saved moves it to " + path + ".bad\n");
+    EXPECT_EQ(contents(path), "nightvector scores 1\n50\t3\t1764000000\tlooped\n");
+}
+
+TEST_F(ScoreFileTest, InADirectoryThePlayerCannotWriteTheTableStillHoldsTheGameAndOneLineSaysWhy) {
+    put(fullTable("p").format());
+    chmod(home.home().c_str(), 0755);
+    chmod(home.dataHome().c_str(), 0755);
+    chmod(path.c_str(), 0644);
+    chmod(dir.c_str(), 0555);
+    // Made here and open to all, so that the child can write what it says into it.
+    const std::string errors = home.home() + "/errors.txt";
+    std::ofstream(errors).close();
+    chmod(errors.c_str(), 0666);
+    const int result = processes::runUnprivileged([&] {
+        if (!freopen(errors.c_str(), "w", stderr)) return 9;
+        int rank = -2;
+        const ScoreTable table = ScoreFile(path).record(entry("best", 99999), rank);
+        fflush(stderr);
+        return rank == 0 && table.entries().front().name == "best" ? 0 : 1;
+    });
+    EXPECT_EQ(result, 0);
+    EXPECT_EQ(contents(errors), "Could not save the scores to " + path + ": Permission denied\n");
+    EXPECT_EQ(contents(path), fullTable("p").format());
+}
+
+TEST_F(ScoreFileTest, ADiskThatFillsUpHalfWayKeepsTheOldTable) {
+    put(fullTable("p").format());
+    SafeFile::writeCall = halfThenFull;
+    testing::internal::CaptureStderr();
+    int rank = 0;
+    const ScoreTable table = ScoreFile(path).record(entry("best", 99999), rank);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "Could not save the scores to " + path + ": No space left on device\n");
+    EXPECT_EQ(rank, 0);
+    EXPECT_EQ(table.entries().front().name, "best");
+    EXPECT_EQ(contents(path), fullTable("p").format());
+    EXPECT_EQ(listing(), "scores ");
+}
+
+TEST_F(ScoreFileTest, AWriterKilledAtFiveHundredRandomMomentsLeavesTheOldTableOrTheNew) {
+    const std::string a = fullTable("a").format(), b = fullTable("b").format();
+    put(a);
+    std::mt19937 rng(4242);
+    int sawA = 0, sawB = 0;
+    for (int kill = 0; kill < 500; ++kill) {
+        const pid_t writer = fork();
+        if (writer == 0) {
+            std::string error;
+            for (;;) {
+                SafeFile::replace(path, b, error);
+                SafeFile::replace(path, a, error);
+            }
+        }
+        ASSERT_GT(writer, 0);
+        usleep(rng() % 4000);
+        ::kill(writer, SIGKILL);
+        waitpid(writer, nullptr, 0);
+        const std::string now = contents(path);
+        ASSERT_TRUE(now == a || now == b) << "after kill " << kill << ":\n" << now;
+        sawA += now == a;
+        sawB += now == b;
+    }
+    // The kills fell both ways, so both tables were being written over each other.
+    EXPECT_GT(sawA, 0);
+    EXPECT_GT(sawB, 0);
+    ScoreTable::Reading reading;
+    ScoreTable::parse(contents(path), reading);
+    EXPECT_FALSE(reading.damaged());
+    // The next write clears any name a killed writer left behind.
+    std::string error;
+    ASSERT_TRUE(SafeFile::replace(path, a, error));
+    EXPECT_EQ(listing(), "scores ");
+}
+
+TEST_F(ScoreFileTest, TwoGamesSavingTwoHundredEntriesEachAtOnceKeepTheTopTenOfAllFourHundred) {
+    pid_t writers[2];
+    for (int w = 0; w < 2; ++w) {
+        writers[w] = fork();
+        if (writers[w] == 0) {
+            ScoreFile file(path);
+            for (uint32_t i = 0; i < 200; ++i) {
+                int rank = 0;
+                // Writer 0 saves the odd scores 1 to 399, writer 1 the even ones 2 to 400.
+                file.record(entry("w" + std::to_string(w) + "-" + std::to_string(i), 2 * i + 1 + (uint32_t)w), rank);
+            }
+            _exit(0);
+        }
+        ASSERT_GT(writers[w], 0);
+    }
+    for (pid_t writer : writers) {
+        int status = -1;
+        waitpid(writer, &status, 0);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    }
+    testing::internal::CaptureStderr();
+    const ScoreTable table = ScoreFile(path).load();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    ASSERT_EQ(table.entries().size(), 10u);
+    for (uint32_t k = 0; k < 10; ++k) {
+        const uint32_t score = 400 - k;
+        EXPECT_EQ(table.entries()[k].score, score);
+        const int w = (int)((score - 1) % 2);
+        EXPECT_EQ(table.entries()[k].name, "w" + std::to_string(w) + "-" + std::to_string((score - 1 - w) / 2));
+    }
+}
