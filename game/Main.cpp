@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <malloc.h>
+#include <sys/stat.h>
 
 #include <SDL/SDL.h>
 #include <SDL/SDL_mixer.h>
@@ -100,14 +101,28 @@ void startGame() {
     Mix_PlayMusic(music, -1);
 }
 
+int screenshot_num = 1;
+
+String screenshotName(int number) { return "screenshot_" + strInt(number) + ".bmp"; }
+
 void saveScreenshot() {
-    static int screenshot_num = 1;
-    String name = "screenshot_" + strInt(screenshot_num) + ".bmp";
+    // A file of an earlier run keeps its name: the numbering goes on past it.
+    screenshot_num = firstFreeScreenshotNumber(screenshot_num);
+    String name = screenshotName(screenshot_num);
     Screenshot::saveScreenshot(name.getCString());
     ++screenshot_num;
 }
 
 } // namespace
+
+int firstFreeScreenshotNumber(int from) {
+    struct stat entry;
+    // lstat: a dangling link is taken too, so that nothing is written through it.
+    while (lstat(screenshotName(from).getCString(), &entry) == 0) ++from;
+    return from;
+}
+
+void resetScreenshotNumbers() { screenshot_num = 1; }
 
 Apology::Apology() : lines(128) {
     g_hud->clear();

@@ -60,6 +60,12 @@ void startAudio();
 // thread starts: a thread that has allocated keeps the heap it has.
 void shareOneHeap();
 
+// The first number from `from` on that no file or link "screenshot_<number>.bmp" in the working
+// directory has.
+int firstFreeScreenshotNumber(int from);
+// Numbers the screenshots from 1 again, as a new run does (for tests that play several runs).
+void resetScreenshotNumbers();
+
 // Start-up: window, resources, scene roots, fader, intro screen, music and sound effects, memory
 // report.
 void startUp();

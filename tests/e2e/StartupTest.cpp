@@ -229,3 +229,35 @@ TEST(BadSurroundings, WithoutAnAudioDeviceTheGameRunsSilently) {
     EXPECT_TRUE(game.isRunning());
     EXPECT_EQ(game.escapeAndWaitForExit(), 0);
 }
+
+TEST(Screenshots, ASecondRunInTheSameDirectoryKeepsTheFirstRunsFilesAndTakesTheNextNumbers) {
+    Surroundings dir;
+    dir.linkData();
+    std::string firstRun[2];
+    {
+        GameProcess game(dir.path());
+        ASSERT_TRUE(game.waitForOutput("megabytes\n"));
+        e2e::pause(300);
+        ASSERT_TRUE(game.screenshot("screenshot_1.bmp"));
+        ASSERT_TRUE(game.screenshot("screenshot_2.bmp"));
+        EXPECT_EQ(game.escapeAndWaitForExit(), 0);
+        for (int i = 0; i < 2; ++i) {
+            std::ifstream in(dir.path() + "/screenshot_" + std::to_string(i + 1) + ".bmp", std::ios::binary);
+            firstRun[i].assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+        }
+    }
+    GameProcess again(dir.path());
+    ASSERT_TRUE(again.waitForOutput("megabytes\n"));
+    e2e::pause(300);
+    Image third;
+    ASSERT_TRUE(again.screenshot("screenshot_3.bmp", third));
+    EXPECT_EQ(third.width, 1280);
+    EXPECT_EQ(again.escapeAndWaitForExit(), 0);
+    for (int i = 0; i < 2; ++i) {
+        std::ifstream in(dir.path() + "/screenshot_" + std::to_string(i + 1) + ".bmp", std::ios::binary);
+        const std::string now((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+        EXPECT_EQ(now.size(), (size_t)(54 + 1280 * 720 * 3));
+        EXPECT_TRUE(now == firstRun[i]) << "screenshot_" << i + 1 << ".bmp changed";
+    }
+    EXPECT_FALSE(dir.exists("screenshot_4.bmp"));
+}

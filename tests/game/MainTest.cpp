@@ -175,6 +175,7 @@ TEST_F(RunlevelTest, F1SavesNumberedScreenshotsInEveryRunlevel) {
     char cwd[4096];
     ASSERT_NE(getcwd(cwd, sizeof cwd), nullptr);
     ASSERT_EQ(chdir(dir), 0);
+    resetScreenshotNumbers();
     step(100000, SDLK_F1);
     step(100016);
     g_fader->fadeOut(1000);
@@ -183,6 +184,41 @@ TEST_F(RunlevelTest, F1SavesNumberedScreenshotsInEveryRunlevel) {
     EXPECT_EQ(access(first.c_str(), F_OK), 0);
     EXPECT_EQ(access(second.c_str(), F_OK), 0);
     EXPECT_NE(access((std::string(dir) + "/screenshot_3.bmp").c_str(), F_OK), 0);
+    ASSERT_EQ(chdir(cwd), 0);
+    EXPECT_EQ(system((std::string("rm -rf ") + dir).c_str()), 0);
+}
+
+TEST_F(RunlevelTest, F1SkipsTheNamesOfAnEarlierRunsScreenshotsAndLeavesThemAlone) {
+    char dir[] = "/tmp/screenshotsXXXXXX";
+    ASSERT_NE(mkdtemp(dir), nullptr);
+    char cwd[4096];
+    ASSERT_NE(getcwd(cwd, sizeof cwd), nullptr);
+    ASSERT_EQ(chdir(dir), 0);
+    for (const char* earlier : {"screenshot_1.bmp", "screenshot_2.bmp", "screenshot_4.bmp"}) {
+        FILE* f = fopen(earlier, "w");
+        fputs("earlier run", f);
+        fclose(f);
+    }
+    // A link to nowhere is a name taken too: nothing is written through it.
+    ASSERT_EQ(symlink("/nonexistent/target.bmp", "screenshot_5.bmp"), 0);
+    resetScreenshotNumbers();
+    step(100000, SDLK_F1);
+    step(100016);
+    step(100032, SDLK_F1);
+    EXPECT_EQ(firstFreeScreenshotNumber(1), 7);
+    for (const char* earlier : {"screenshot_1.bmp", "screenshot_2.bmp", "screenshot_4.bmp"}) {
+        char text[32] = {};
+        FILE* f = fopen(earlier, "r");
+        ASSERT_NE(f, nullptr);
+        EXPECT_NE(fgets(text, sizeof text, f), nullptr);
+        fclose(f);
+        EXPECT_STREQ(text, "earlier run") << earlier;
+    }
+    struct stat shot {};
+    ASSERT_EQ(stat("screenshot_3.bmp", &shot), 0);
+    EXPECT_EQ(shot.st_size, 54 + 1280 * 720 * 3);
+    ASSERT_EQ(stat("screenshot_6.bmp", &shot), 0);
+    EXPECT_EQ(shot.st_size, 54 + 1280 * 720 * 3);
     ASSERT_EQ(chdir(cwd), 0);
     EXPECT_EQ(system((std::string("rm -rf ") + dir).c_str()), 0);
 }
