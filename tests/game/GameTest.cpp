@@ -2,6 +2,7 @@
 // filter and killEnemiesInRadius.
 
 #include "game/Game.h"
+#include "game/GameSessions.h"
 
 #include <cmath>
 
@@ -283,7 +284,7 @@ TEST_F(GameTest, EndDeletesReticleScoreCounterAndPlayer) {
 
 TEST_F(GameTest, LeavingTheIntroStartsARealSessionThatRunsEachFrame) {
     // The intro hand-over builds its own session.
-    deleteSession();
+    GameSessions::end();
     g_apology = new Apology();
     runlevel = RUNLEVEL_TO_GAME;
     // The fade to black ended long ago.

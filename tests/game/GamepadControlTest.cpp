@@ -9,6 +9,7 @@
 #include <SDL/SDL_keysym.h>
 
 #include "engine/Gamepad.h"
+#include "game/GameSessions.h"
 #include "game/GamepadControl.h"
 #include "game/Laser.h"
 #include "game/Plasma.h"
@@ -239,7 +240,7 @@ TEST_F(GamepadControlTest, ThePadPlaysTheShipExactlyAsKeysAndMouseDo) {
     ASSERT_GT(keyboardMove.x, 0.0f);
 
     // The same with the pad in a fresh session: left stick right, both triggers, aim right.
-    deleteSession();
+    GameSessions::end();
     g_rand.init(1234);
     ParticleSystem::random.init((int)0xd34db33f);
     g_game = new Game();

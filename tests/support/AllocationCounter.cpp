@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <new>
 
+#include <malloc.h>
+
 // Named on the link line so that the linker takes this file out of the test helpers' library into
 // every program that links it; nothing calls the replaced operator new by name.
 extern "C" {
@@ -14,12 +16,23 @@ namespace {
 
 std::atomic<std::size_t> g_count{0};
 std::atomic<std::size_t> g_lastSize{0};
+// Bytes of the blocks handed out through operator new and not yet deleted.
+std::atomic<std::size_t> g_liveBytes{0};
 
 void* countedAllocation(std::size_t size) {
     ++g_count;
     g_lastSize = size;
-    if (void* p = std::malloc(size ? size : 1)) return p;
+    if (void* p = std::malloc(size ? size : 1)) {
+        g_liveBytes += malloc_usable_size(p);
+        return p;
+    }
     throw std::bad_alloc();
+}
+
+void countedFree(void* p) {
+    if (!p) return;
+    g_liveBytes -= malloc_usable_size(p);
+    std::free(p);
 }
 
 } // namespace
@@ -28,6 +41,7 @@ namespace testing_support {
 
 std::size_t allocationCount() { return g_count; }
 std::size_t lastAllocationSize() { return g_lastSize; }
+std::size_t liveAllocationBytes() { return g_liveBytes; }
 
 } // namespace testing_support
 
@@ -43,9 +57,9 @@ void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
     }
 }
 void* operator new[](std::size_t size, const std::nothrow_t& tag) noexcept { return operator new(size, tag); }
-void operator delete(void* p, const std::nothrow_t&) noexcept { std::free(p); }
-void operator delete[](void* p, const std::nothrow_t&) noexcept { std::free(p); }
-void operator delete(void* p) noexcept { std::free(p); }
-void operator delete[](void* p) noexcept { std::free(p); }
-void operator delete(void* p, std::size_t) noexcept { std::free(p); }
-void operator delete[](void* p, std::size_t) noexcept { std::free(p); }
+void operator delete(void* p, const std::nothrow_t&) noexcept { countedFree(p); }
+void operator delete[](void* p, const std::nothrow_t&) noexcept { countedFree(p); }
+void operator delete(void* p) noexcept { countedFree(p); }
+void operator delete[](void* p) noexcept { countedFree(p); }
+void operator delete(void* p, std::size_t) noexcept { countedFree(p); }
+void operator delete[](void* p, std::size_t) noexcept { countedFree(p); }

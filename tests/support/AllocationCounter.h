@@ -9,5 +9,8 @@ namespace testing_support {
 std::size_t allocationCount();
 // Size in bytes of the most recent allocation.
 std::size_t lastAllocationSize();
+// Bytes of the blocks operator new and new[] have handed out that are not deleted yet, as the
+// heap sizes them.
+std::size_t liveAllocationBytes();
 
 } // namespace testing_support

@@ -6,6 +6,7 @@
 
 #include "engine/Random.h"
 #include "game/EnergyGauges.h"
+#include "game/GameSessions.h"
 #include "game/HUDRadarBox.h"
 #include "game/HUDScoreBox.h"
 #include "game/HUDWeaponBox.h"
@@ -32,55 +33,7 @@ namespace {
 // What GameSceneTest::keep took, in order.
 std::vector<std::function<void()>> keptDeletions;
 
-// Deletes the entries of `list` from the last; an entry whose destructor does not take it off
-// the list is taken off here.
-template <typename T> void deleteAll(orvel::Stack<T*>& list) {
-    while (list.count > 0) {
-        T* last = list.data[list.count - 1];
-        delete last;
-        if (list.count > 0 && list.data[list.count - 1] == last) list.pop();
-    }
-}
-
 } // namespace
-
-void deleteSession() {
-    Game* game = g_game;
-    if (!game) return;
-    // Game::end deletes the score counter without taking it off the actors or out of its box.
-    if (!game->scoreCounter && game->scoreBox) {
-        game->removeActor(game->scoreBox->counter);
-        game->scoreBox->counter = nullptr;
-    }
-    // A score counter without its box.
-    if (game->scoreCounter && !game->scoreBox) {
-        game->removeActor(game->scoreCounter);
-        delete game->scoreCounter;
-    }
-    // The boxes delete their counters, taking them off the actors; the radar and the gauges sit
-    // inside the boxes, which do not delete their children.
-    delete game->scoreBox;
-    delete game->weaponBox;
-    delete game->radarBox;
-    delete game->radarDisplay;
-    delete game->energyGauges;
-    delete game->reticle;
-    // The player is off the lists while it waits to respawn and after the game is over.
-    delete game->player;
-    // Enemies, the player and powerups take themselves off every list; slices and emitters of
-    // their weapons go back to the particle systems, so those stay until the end.
-    deleteAll(game->actors);
-    deleteAll(game->enemies);
-    deleteAll(game->friends);
-    deleteAll(game->powerups);
-    delete game->explosionSlice;
-    delete game->particles;
-    delete game->explosionParticles;
-    delete game->starfield;
-    delete game->gameOverText;
-    g_game = nullptr;
-    delete game;
-}
 
 void GameSceneTest::SetUp() {
     openWindow(SCREEN_WIDTH, SCREEN_HEIGHT);
@@ -103,7 +56,7 @@ void GameSceneTest::TearDown() {
         keptDeletions.back()();
         keptDeletions.pop_back();
     }
-    deleteSession();
+    GameSessions::end();
     delete g_fader;
     g_fader = nullptr;
     delete g_hud;

@@ -38,12 +38,6 @@ const float FRAME = 1.0f / 60.0f;
 // SDL mouse buttons the ship reads.
 const uint32_t LEFT_BUTTON = 1u << 1, RIGHT_BUTTON = 1u << 3;
 
-// Deletes g_game and everything its session holds: the HUD pieces, every object on its lists
-// (each takes itself off them), its particle systems, starfield and texts. Sets g_game to null;
-// nothing when there is no game. The game itself never frees its session; tests do, so that
-// what they leave behind is no leak.
-void deleteSession();
-
 // An actor of kind `Base` (Enemy or Friend) that records the damage it takes and never dies.
 template <typename Base> struct DamageRecorder : Base {
     bool damage(float amount) override {
