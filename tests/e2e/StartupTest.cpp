@@ -10,6 +10,7 @@
 
 #include "tests/e2e/PlaySession.h"
 #include "tests/support/ResourceFiles.h"
+#include "tests/support/FileChecks.h"
 #include "tests/support/GameProcess.h"
 #include "tests/support/StartupReport.h"
 #include "tests/support/XDriver.h"
@@ -241,10 +242,8 @@ TEST(Screenshots, ASecondRunInTheSameDirectoryKeepsTheFirstRunsFilesAndTakesTheN
         ASSERT_TRUE(game.screenshot("screenshot_1.bmp"));
         ASSERT_TRUE(game.screenshot("screenshot_2.bmp"));
         EXPECT_EQ(game.escapeAndWaitForExit(), 0);
-        for (int i = 0; i < 2; ++i) {
-            std::ifstream in(dir.path() + "/screenshot_" + std::to_string(i + 1) + ".bmp", std::ios::binary);
-            firstRun[i].assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-        }
+        for (int i = 0; i < 2; ++i)
+            firstRun[i] = testing_support::fileContents(dir.path() + "/screenshot_" + std::to_string(i + 1) + ".bmp");
     }
     GameProcess again(dir.path());
     ASSERT_TRUE(again.waitForOutput("megabytes\n"));
@@ -254,8 +253,7 @@ TEST(Screenshots, ASecondRunInTheSameDirectoryKeepsTheFirstRunsFilesAndTakesTheN
     EXPECT_EQ(third.width, 1280);
     EXPECT_EQ(again.escapeAndWaitForExit(), 0);
     for (int i = 0; i < 2; ++i) {
-        std::ifstream in(dir.path() + "/screenshot_" + std::to_string(i + 1) + ".bmp", std::ios::binary);
-        const std::string now((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+        const std::string now = testing_support::fileContents(dir.path() + "/screenshot_" + std::to_string(i + 1) + ".bmp");
         EXPECT_EQ(now.size(), (size_t)(54 + 1280 * 720 * 3));
         EXPECT_TRUE(now == firstRun[i]) << "screenshot_" << i + 1 << ".bmp changed";
     }

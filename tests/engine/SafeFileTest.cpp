@@ -4,14 +4,9 @@
 
 #include "engine/SafeFile.h"
 
-#include <algorithm>
 #include <cerrno>
-#include <fstream>
-#include <sstream>
 #include <string>
-#include <vector>
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -20,6 +15,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/FileChecks.h"
 #include "tests/support/PlayerHome.h"
 #include "tests/support/Processes.h"
 
@@ -35,42 +31,12 @@ protected:
     void SetUp() override { ASSERT_EQ(mkdir(dir.c_str(), 0755), 0); }
     void TearDown() override { SafeFile::writeCall = ::write; }
 
-    static std::string contents(const std::string& path) {
-        std::ifstream in(path, std::ios::binary);
-        std::stringstream all;
-        all << in.rdbuf();
-        return all.str();
-    }
+    static std::string contents(const std::string& path) { return testing_support::fileContents(path); }
     static void put(const std::string& path, const std::string& bytes) {
-        std::ofstream out(path, std::ios::binary);
-        out << bytes;
+        testing_support::writeFileContents(path, bytes);
     }
-    // Names in the directory, "." and ".." left out, sorted.
-    std::string listing() const {
-        std::string names;
-        if (DIR* d = opendir(dir.c_str())) {
-            std::vector<std::string> all;
-            while (dirent* e = readdir(d))
-                if (std::string(e->d_name) != "." && std::string(e->d_name) != "..") all.push_back(e->d_name);
-            closedir(d);
-            std::sort(all.begin(), all.end());
-            for (const std::string& n : all) names += n + " ";
-        }
-        return names;
-    }
+    std::string listing() const { return testing_support::directoryListing(dir); }
 };
-
-// Writes half of what it is asked to, then finds the disk full.
-ssize_t halfThenFull(int fd, const void* data, size_t size) {
-    static bool wroteHalf = false;
-    if (!wroteHalf && size > 1) {
-        wroteHalf = true;
-        return ::write(fd, data, size / 2);
-    }
-    wroteHalf = false;
-    errno = ENOSPC;
-    return -1;
-}
 
 } // namespace
 
@@ -97,7 +63,7 @@ TEST_F(SafeFileTest, ANewFileIsThePlayersAloneAndAnOldOneKeepsItsPermissions) {
 
 TEST_F(SafeFileTest, AWriteThatFailsHalfWayLeavesTheOldFileAndNoTemporary) {
     put(dir + "/table", "the old table\n");
-    SafeFile::writeCall = halfThenFull;
+    SafeFile::writeCall = testing_support::writeHalfThenDiskFull;
     std::string error;
     EXPECT_FALSE(SafeFile::replace(dir + "/table", std::string(10000, 'n'), error));
     EXPECT_EQ(error, "No space left on device");

@@ -32,6 +32,29 @@ using testing_support::GLTest;
 namespace {
 
 // The program's state right after start-up, built on the test window: scene roots, fader, intro.
+// A fresh directory made the working one while the object lives; the old one comes back and the
+// new one goes with everything in it afterwards.
+class InNewDirectory {
+public:
+    InNewDirectory() {
+        char name[] = "/tmp/screenshotsXXXXXX";
+        entered = mkdtemp(name) && getcwd(previous, sizeof previous) && chdir(name) == 0;
+        dir = name;
+    }
+    ~InNewDirectory() {
+        if (!entered) return;
+        EXPECT_EQ(chdir(previous), 0);
+        EXPECT_EQ(system(("rm -rf " + dir).c_str()), 0);
+    }
+    bool isEntered() const { return entered; }
+    const std::string& path() const { return dir; }
+
+private:
+    char previous[4096] = {};
+    std::string dir;
+    bool entered = false;
+};
+
 class RunlevelTest : public GLTest {
 protected:
     void SetUp() override {
@@ -170,30 +193,23 @@ TEST_F(RunlevelTest, EscapeDuringTheGameFadesToBlackAndQuits) {
 }
 
 TEST_F(RunlevelTest, F1SavesNumberedScreenshotsInEveryRunlevel) {
-    char dir[] = "/tmp/screenshotsXXXXXX";
-    ASSERT_NE(mkdtemp(dir), nullptr);
-    char cwd[4096];
-    ASSERT_NE(getcwd(cwd, sizeof cwd), nullptr);
-    ASSERT_EQ(chdir(dir), 0);
+    InNewDirectory here;
+    ASSERT_TRUE(here.isEntered());
+    const std::string dir = here.path();
     resetScreenshotNumbers();
     step(100000, SDLK_F1);
     step(100016);
     g_fader->fadeOut(1000);
     step(100032, SDLK_F1);
-    std::string first = std::string(dir) + "/screenshot_1.bmp", second = std::string(dir) + "/screenshot_2.bmp";
+    std::string first = dir + "/screenshot_1.bmp", second = dir + "/screenshot_2.bmp";
     EXPECT_EQ(access(first.c_str(), F_OK), 0);
     EXPECT_EQ(access(second.c_str(), F_OK), 0);
-    EXPECT_NE(access((std::string(dir) + "/screenshot_3.bmp").c_str(), F_OK), 0);
-    ASSERT_EQ(chdir(cwd), 0);
-    EXPECT_EQ(system((std::string("rm -rf ") + dir).c_str()), 0);
+    EXPECT_NE(access((dir + "/screenshot_3.bmp").c_str(), F_OK), 0);
 }
 
 TEST_F(RunlevelTest, F1SkipsTheNamesOfAnEarlierRunsScreenshotsAndLeavesThemAlone) {
-    char dir[] = "/tmp/screenshotsXXXXXX";
-    ASSERT_NE(mkdtemp(dir), nullptr);
-    char cwd[4096];
-    ASSERT_NE(getcwd(cwd, sizeof cwd), nullptr);
-    ASSERT_EQ(chdir(dir), 0);
+    InNewDirectory here;
+    ASSERT_TRUE(here.isEntered());
     for (const char* earlier : {"screenshot_1.bmp", "screenshot_2.bmp", "screenshot_4.bmp"}) {
         FILE* f = fopen(earlier, "w");
         fputs("earlier run", f);
@@ -219,8 +235,6 @@ TEST_F(RunlevelTest, F1SkipsTheNamesOfAnEarlierRunsScreenshotsAndLeavesThemAlone
     EXPECT_EQ(shot.st_size, 54 + 1280 * 720 * 3);
     ASSERT_EQ(stat("screenshot_6.bmp", &shot), 0);
     EXPECT_EQ(shot.st_size, 54 + 1280 * 720 * 3);
-    ASSERT_EQ(chdir(cwd), 0);
-    EXPECT_EQ(system((std::string("rm -rf ") + dir).c_str()), 0);
 }
 
 TEST_F(RunlevelTest, IntroHasThirteenCentredLinesAndTheCreditFromTheCentre) {

@@ -4,17 +4,12 @@
 
 #include "game/scores/ScoreFile.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
-#include <fstream>
 #include <random>
-#include <sstream>
 #include <string>
-#include <vector>
 
-#include <dirent.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -22,6 +17,8 @@
 #include <gtest/gtest.h>
 
 #include "engine/SafeFile.h"
+#include "tests/game/scores/ScoreEntries.h"
+#include "tests/support/FileChecks.h"
 #include "tests/support/PlayerHome.h"
 #include "tests/support/Processes.h"
 
@@ -30,12 +27,7 @@ using orvel::SafeFile;
 namespace {
 
 ScoreEntry entry(const std::string& name, uint32_t score, uint32_t wave = 3, int64_t when = 1764000000) {
-    ScoreEntry e;
-    e.name = name;
-    e.score = score;
-    e.wave = wave;
-    e.when = when;
-    return e;
+    return testing_support::scoreEntry(name, score, wave, when);
 }
 
 class ScoreFileTest : public ::testing::Test {
@@ -46,33 +38,14 @@ protected:
 
     void TearDown() override { SafeFile::writeCall = ::write; }
 
-    static std::string contents(const std::string& file) {
-        std::ifstream in(file, std::ios::binary);
-        std::stringstream all;
-        all << in.rdbuf();
-        return all.str();
-    }
+    static std::string contents(const std::string& file) { return testing_support::fileContents(file); }
     void put(const std::string& bytes) {
         std::string error;
         ASSERT_TRUE(SafeFile::makeDirectories(dir, error));
-        std::ofstream out(path, std::ios::binary);
-        out << bytes;
+        testing_support::writeFileContents(path, bytes);
     }
-    // Names in the scores directory but the lock file, "." and ".." left out, sorted.
-    std::string listing() const {
-        std::vector<std::string> all;
-        if (DIR* d = opendir(dir.c_str())) {
-            while (dirent* e = readdir(d)) {
-                const std::string n = e->d_name;
-                if (n != "." && n != ".." && n != "scores.lock") all.push_back(n);
-            }
-            closedir(d);
-        }
-        std::sort(all.begin(), all.end());
-        std::string names;
-        for (const std::string& n : all) names += n + " ";
-        return names;
-    }
+    // Names in the scores directory but the lock file.
+    std::string listing() const { return testing_support::directoryListing(dir, "scores.lock"); }
     // Ten entries named after `prefix`, scored 1000 to 10 000.
     static ScoreTable fullTable(const std::string& prefix) {
         ScoreTable table;
@@ -80,18 +53,6 @@ protected:
         return table;
     }
 };
-
-// Writes half of what it is asked to, then finds the disk full.
-ssize_t halfThenFull(int fd, const void* data, size_t size) {
-    static bool wroteHalf = false;
-    if (!wroteHalf && size > 1) {
-        wroteHalf = true;
-        return ::write(fd, data, size / 2);
-    }
-    wroteHalf = false;
-    errno = ENOSPC;
-    return -1;
-}
 
 } // namespace
 
@@ -227,7 +188,7 @@ TEST_F(ScoreFileTest, InADirectoryThePlayerCannotWriteTheTableStillHoldsTheGameA
     chmod(dir.c_str(), 0555);
     // Made here and open to all, so that the child can write what it says into it.
     const std::string errors = home.home() + "/errors.txt";
-    std::ofstream(errors).close();
+    testing_support::writeFileContents(errors, "");
     chmod(errors.c_str(), 0666);
     const int result = processes::runUnprivileged([&] {
         if (!freopen(errors.c_str(), "w", stderr)) return 9;
@@ -243,7 +204,7 @@ TEST_F(ScoreFileTest, InADirectoryThePlayerCannotWriteTheTableStillHoldsTheGameA
 
 TEST_F(ScoreFileTest, ADiskThatFillsUpHalfWayKeepsTheOldTable) {
     put(fullTable("p").format());
-    SafeFile::writeCall = halfThenFull;
+    SafeFile::writeCall = testing_support::writeHalfThenDiskFull;
     testing::internal::CaptureStderr();
     int rank = 0;
     const ScoreTable table = ScoreFile(path).record(entry("best", 99999), rank);

@@ -8,15 +8,12 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/game/scores/ScoreEntries.h"
+
 namespace {
 
 ScoreEntry entry(const std::string& name, uint32_t score, uint32_t wave = 1, int64_t when = 1700000000) {
-    ScoreEntry e;
-    e.name = name;
-    e.score = score;
-    e.wave = wave;
-    e.when = when;
-    return e;
+    return testing_support::scoreEntry(name, score, wave, when);
 }
 
 std::string names(const ScoreTable& table) {
