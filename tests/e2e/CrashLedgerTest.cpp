@@ -1,9 +1,11 @@
 // A game that dies from a signal is a crash, told apart from a normal exit and written to the
 // crash ledger with the name of the test that saw it; a game ended by the test's own kill is not.
+// Every game a test starts keeps its player's files in the test's own directory.
 
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
+#include <map>
 #include <sstream>
 #include <string>
 
@@ -83,4 +85,22 @@ TEST(CrashLedger, ANormalExitAndTheTestsOwnKillLeaveTheLedgerEmpty) {
         ASSERT_TRUE(killed.waitForOutput("megabytes\n"));
     }
     EXPECT_EQ(ledger.text(), "");
+}
+
+TEST(GameProcessHome, TheGameRunsWithAHomeAndPlayerDirectoriesOfTheTestsOwn) {
+    Surroundings dir;
+    dir.linkData();
+    GameProcess game(dir.path());
+    ASSERT_TRUE(game.waitForOutput("megabytes\n"));
+    std::ifstream in("/proc/" + std::to_string(game.processId()) + "/environ", std::ios::binary);
+    std::map<std::string, std::string> env;
+    std::string variable;
+    while (std::getline(in, variable, '\0')) {
+        const size_t eq = variable.find('=');
+        if (eq != std::string::npos) env[variable.substr(0, eq)] = variable.substr(eq + 1);
+    }
+    EXPECT_EQ(env["HOME"], dir.path() + "/home");
+    EXPECT_EQ(env["XDG_DATA_HOME"], dir.path() + "/home/data");
+    EXPECT_EQ(env["XDG_CONFIG_HOME"], dir.path() + "/home/config");
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0);
 }

@@ -82,10 +82,20 @@ GameProcess::GameProcess(const std::string& workingDir, const std::vector<std::s
     // last run's output to a caller that starts waiting for it at once.
     const int out = open((dir + "/stdout.txt").c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
     const int err = open((dir + "/stderr.txt").c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+    // The player's files of this run go into its own directory, never into those of whoever runs
+    // the tests; the GL driver's shader cache stays where it was, so that starts stay as quick.
+    const char* cache = std::getenv("XDG_CACHE_HOME");
+    const char* realHome = std::getenv("HOME");
+    const std::string cacheHome = cache && cache[0] == '/' ? cache : std::string(realHome ? realHome : "/tmp") + "/.cache";
+    const std::string home = dir + "/home";
     pid = fork();
     if (pid == 0) {
         if (chdir(dir.c_str()) != 0) _exit(126);
         setenv("SDL_AUDIODRIVER", "dummy", 1);
+        setenv("HOME", home.c_str(), 1);
+        setenv("XDG_DATA_HOME", (home + "/data").c_str(), 1);
+        setenv("XDG_CONFIG_HOME", (home + "/config").c_str(), 1);
+        setenv("XDG_CACHE_HOME", cacheHome.c_str(), 1);
         for (const std::string& assignment : env) {
             size_t eq = assignment.find('=');
             std::string name = assignment.substr(0, eq), value = assignment.substr(eq + 1);

@@ -42,7 +42,8 @@ struct Image;
 class GameProcess {
 public:
     // Starts the game in `workingDir` with `env` ("NAME=value"; "NAME=" unsets NAME) added to this
-    // process's environment. SDL_AUDIODRIVER is "dummy" unless env sets it.
+    // process's environment. SDL_AUDIODRIVER is "dummy", HOME is `workingDir`/home with the data
+    // and config homes inside it, and XDG_CACHE_HOME the caller's cache, unless env sets them.
     GameProcess(const std::string& workingDir, const std::vector<std::string>& env = {});
     ~GameProcess();
     GameProcess(const GameProcess&) = delete;
