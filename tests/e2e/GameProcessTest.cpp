@@ -1,6 +1,7 @@
-// The real game as the end-to-end tests start it. A game that dies from a signal is a crash, told apart from a normal exit and written to the
-// crash ledger with the name of the test that saw it; a game ended by the test's own kill is not.
-// Every game a test starts keeps its player's files in the test's own directory.
+// The real game as the end-to-end tests start it. A game that dies from a signal is a crash,
+// told apart from a normal exit and written to the crash ledger with the name of the test that
+// saw it; a game ended by the test's own kill is not. Every game a test starts keeps its
+// player's files in the test's own directory.
 
 #include <csignal>
 #include <cstdlib>
