@@ -61,10 +61,9 @@ test: test-deps
 # Every program of ours built with AddressSanitizer and UndefinedBehaviorSanitizer in a build
 # directory of its own; runs every test program but the end-to-end ones, and beside them the
 # two-minute input storm and the 30-start start-up storm against the sanitized game (labels
-# e2e-storm and e2e-startup, run once). Any report ends
-# the program that made it with status 23, so the test fails. Leaks inside system libraries are
-# suppressed in tests/sanitize/lsan.supp. The Python data checks run no code of ours and are left
-# out.
+# e2e-storm and e2e-startup, run once). Any report ends the program that made it with status 23,
+# so the test fails. Leaks inside system libraries are suppressed in tests/sanitize/lsan.supp.
+# The Python data checks run no code of ours and are left out.
 # Mesa's shader cache is off here: its writer thread, still storing a shader as a test program
 # exits, crashes LeakSanitizer's thread stopper ("Tracer caught signal 11") on a busy machine.
 SANITIZE_ENV := \
