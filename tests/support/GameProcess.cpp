@@ -183,8 +183,11 @@ bool GameProcess::screenshot(const std::string& name, Image& image) {
 }
 
 int GameProcess::escapeAndWaitForExit() {
-    tapKey("Escape");
-    return waitForExit();
+    // Held until the game is gone: a frame that takes longer than a tap would miss the press.
+    pressKey("Escape");
+    const int exitStatus = waitForExit();
+    releaseKey("Escape");
+    return exitStatus;
 }
 
 void GameProcess::holdKey(const std::string& key) {

@@ -80,7 +80,8 @@ public:
     bool screenshot(const std::string& name, int timeoutMs = 20000);
     // The same, then reads the file into `image`; false when either step failed.
     bool screenshot(const std::string& name, Image& image);
-    // Taps Escape, which ends the game from any screen, and returns waitForExit()'s status.
+    // Holds Escape, which ends the game from any screen, until the game has ended or waitForExit()
+    // gives up, and returns its status.
     int escapeAndWaitForExit();
 
 private:
