@@ -67,7 +67,8 @@ test: test-deps
 # intercept_tls_get_addr=0: this runtime takes a dynamic TLS block that malloc placed 16 bytes into
 # a page for an old glibc's header and reads a bogus range from the words before it, so the leak
 # check at exit dies in its tracer ("Tracer caught signal 11") wherever Mesa's block lands there.
-# Mesa's shader cache stays off too: its writer thread was the first suspect of that crash.
+# Mesa's shader cache is off as well: its writer thread, still storing as a program exits, is one
+# more thread for that check to stop.
 SANITIZE_ENV := \
 	MESA_SHADER_CACHE_DISABLE=true \
 	ASAN_OPTIONS=halt_on_error=1:exitcode=23:print_stacktrace=1:detect_leaks=1:strict_string_checks=1:detect_stack_use_after_return=1:intercept_tls_get_addr=0 \
