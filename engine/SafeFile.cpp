@@ -20,12 +20,6 @@ namespace {
 const int MOVE_ASIDE_TRIES = 9;
 const int LOCK_POLL_MS = 10;
 
-std::string directoryOf(const std::string& path) {
-    const size_t slash = path.rfind('/');
-    if (slash == std::string::npos) return ".";
-    return slash == 0 ? "/" : path.substr(0, slash);
-}
-
 std::string baseOf(const std::string& path) {
     const size_t slash = path.rfind('/');
     return slash == std::string::npos ? path : path.substr(slash + 1);
@@ -143,6 +137,12 @@ bool nameTemporary(int fd, const std::string& dir, const std::string& base, std:
 }
 
 } // namespace
+
+std::string SafeFile::directoryOf(const std::string& path) {
+    const size_t slash = path.rfind('/');
+    if (slash == std::string::npos) return ".";
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
 
 bool SafeFile::replace(const std::string& path, const std::string& bytes, std::string& error) {
     const std::string dir = directoryOf(path);

@@ -40,6 +40,8 @@ public:
     // Makes `dir` and every missing parent, readable by the player alone. False with `error`
     // set when it does not exist afterwards as a directory.
     static bool makeDirectories(const std::string& dir, std::string& error);
+    // The directory `path` names a file in: "." for a bare name, "/" for one in the root.
+    static std::string directoryOf(const std::string& path);
 
     // The write(2) the temporary file is written with; tests put in one that fails.
     static ssize_t (*writeCall)(int fd, const void* data, size_t size);

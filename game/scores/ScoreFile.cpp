@@ -1,20 +1,12 @@
 #include "game/scores/ScoreFile.h"
 
 #include <cstdio>
+#include <functional>
 
 #include "engine/SafeFile.h"
 #include "engine/UserDirs.h"
 
 using orvel::SafeFile;
-
-namespace {
-
-std::string directoryOf(const std::string& path) {
-    const size_t slash = path.rfind('/');
-    return slash == std::string::npos ? "." : path.substr(0, slash);
-}
-
-} // namespace
 
 std::string ScoreFile::defaultPath() {
     const std::string data = orvel::UserDirs::dataHome();
@@ -56,20 +48,18 @@ ScoreTable ScoreFile::load() {
     return read(damaged);
 }
 
-ScoreTable ScoreFile::record(const ScoreEntry& entry, int& rank) {
+ScoreTable ScoreFile::change(const std::function<bool(ScoreTable&)>& edit) {
     std::string error;
-    if (!SafeFile::makeDirectories(directoryOf(path), error)) {
+    if (!SafeFile::makeDirectories(SafeFile::directoryOf(path), error)) {
         ScoreTable table = load();
-        rank = table.add(entry);
-        fprintf(stderr, "Could not save the scores to %s: %s\n", path.c_str(), error.c_str());
+        if (edit(table)) fprintf(stderr, "Could not save the scores to %s: %s\n", path.c_str(), error.c_str());
         return table;
     }
     SafeFile::Lock lock(path + ".lock");
     bool damaged = false;
     ScoreTable table = read(damaged);
-    rank = table.add(entry);
-    // A game that did not make the table leaves the file as it is.
-    if (rank < 0) return table;
+    // An edit that changes nothing leaves the file as it is.
+    if (!edit(table)) return table;
     if (damaged && SafeFile::moveAside(path).empty()) {
         fprintf(stderr, "Could not save the scores to %s: the damaged file could not be moved aside\n", path.c_str());
         return table;
@@ -77,4 +67,18 @@ ScoreTable ScoreFile::record(const ScoreEntry& entry, int& rank) {
     if (!SafeFile::replace(path, table.format(), error))
         fprintf(stderr, "Could not save the scores to %s: %s\n", path.c_str(), error.c_str());
     return table;
+}
+
+ScoreTable ScoreFile::record(const ScoreEntry& entry, int& rank) {
+    return change([&](ScoreTable& table) {
+        rank = table.add(entry);
+        return rank >= 0;
+    });
+}
+
+ScoreTable ScoreFile::rename(const ScoreEntry& entry, const std::string& name, int& rank) {
+    return change([&](ScoreTable& table) {
+        rank = table.rename(entry, name);
+        return rank >= 0;
+    });
 }

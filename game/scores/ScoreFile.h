@@ -3,6 +3,7 @@
 // recorded in it without ever losing what it held.
 
 #include <cstddef>
+#include <functional>
 #include <string>
 
 #include "game/scores/ScoreTable.h"
@@ -30,12 +31,21 @@ public:
     // from 0, or -1 when it did not make the table.
     ScoreTable record(const ScoreEntry& entry, int& rank);
 
+    // Gives the entry recorded as `entry` the name `name`, the same way: read again, changed and
+    // written under the lock. Returns the table as it now stands; `rank` is the entry's place,
+    // or -1 when the file no longer holds it (a better game pushed it out meanwhile), which
+    // leaves the file as it is.
+    ScoreTable rename(const ScoreEntry& entry, const std::string& name, int& rank);
+
     const std::string& filePath() const { return path; }
 
 private:
     std::string path;
     bool damageReported;
 
+    // Applies `edit` to the table the file holds now, under the lock, and writes the result when
+    // `edit` returns true (moving a damaged original aside first). Returns the table as edited.
+    ScoreTable change(const std::function<bool(ScoreTable&)>& edit);
     // The table in the file now; `damaged` when the file is there but not wholly ours.
     ScoreTable read(bool& damaged);
 };

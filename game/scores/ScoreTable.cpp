@@ -46,6 +46,17 @@ int ScoreTable::add(const ScoreEntry& entry) {
     return (int)place;
 }
 
+int ScoreTable::rename(const ScoreEntry& entry, const std::string& name) {
+    for (size_t i = 0; i < list.size(); ++i) {
+        ScoreEntry& held = list[i];
+        if (held.name == entry.name && held.score == entry.score && held.wave == entry.wave && held.when == entry.when) {
+            held.name = name;
+            return (int)i;
+        }
+    }
+    return -1;
+}
+
 bool ScoreTable::qualifies(uint32_t score) const { return list.size() < SIZE || score > list.back().score; }
 
 void ScoreTable::merge(const ScoreTable& other) {

@@ -25,6 +25,9 @@ public:
     // Puts `entry` in its place: after every entry with a score as high or higher. Its rank from
     // 0, or -1 when it does not make the ten (the table is then unchanged).
     int add(const ScoreEntry& entry);
+    // Gives the first entry equal to `entry` (name, score, wave and time) the name `name`. Its
+    // rank from 0, or -1 when no entry is equal (the table is then unchanged).
+    int rename(const ScoreEntry& entry, const std::string& name);
     // Whether a game of `score` would enter the table.
     bool qualifies(uint32_t score) const;
     // Adds every entry of `other`, in its order, after the equal scores already here.

@@ -101,6 +101,33 @@ TEST_F(ScoreFileTest, AGameBelowAFullTableLeavesTheFileUntouched) {
     EXPECT_EQ(contents(path), fullTable("p").format());
 }
 
+TEST_F(ScoreFileTest, RenameChangesTheRecordedEntryInWhatTheFileHoldsNow) {
+    int rank = 0;
+    const ScoreEntry mine = entry("alice", 400, 2, 1764000400);
+    ScoreFile(path).record(mine, rank);
+    // Another game ends meanwhile, from another window.
+    ScoreFile(path).record(entry("other", 900), rank);
+    const ScoreTable table = ScoreFile(path).rename(mine, "Ace", rank);
+    EXPECT_EQ(rank, 1);
+    EXPECT_EQ(table.entries()[1].name, "Ace");
+    EXPECT_EQ(contents(path), "nightvector scores 1\n"
+                              "900\t3\t1764000000\tother\n"
+                              "400\t2\t1764000400\tAce\n");
+}
+
+TEST_F(ScoreFileTest, RenameOfAnEntryNoLongerHeldLeavesTheFileUntouched) {
+    put(fullTable("p").format());
+    struct stat before {};
+    stat(path.c_str(), &before);
+    int rank = 0;
+    ScoreFile(path).rename(entry("gone", 5000), "Ace", rank);
+    EXPECT_EQ(rank, -1);
+    struct stat after {};
+    stat(path.c_str(), &after);
+    EXPECT_EQ(after.st_ino, before.st_ino);
+    EXPECT_EQ(contents(path), fullTable("p").format());
+}
+
 TEST_F(ScoreFileTest, ADamagedFileKeepsWhatReadsSaysSoOnceAndGoesAsideBeforeTheFirstWrite) {
     const std::string original = "nightvector scores 1\n700\t2\t5\tkept\n\x01\x02junk\n300\t1\t5\talso kept\n";
     put(original);

@@ -41,6 +41,20 @@ TEST(ScoreTable, OfTwoEqualScoresTheEarlierKeepsTheHigherRank) {
     EXPECT_EQ(names(table), "first second low ");
 }
 
+TEST(ScoreTable, RenameGivesTheEqualEntryItsNewNameAndKeepsItsPlace) {
+    ScoreTable table;
+    table.add(entry("a", 300));
+    table.add(entry("b", 200, 4, 1764000100));
+    table.add(entry("b", 200, 4, 1764000200));
+    EXPECT_EQ(table.rename(entry("b", 200, 4, 1764000200), "Zed"), 2);
+    EXPECT_EQ(names(table), "a b Zed ");
+    // Score, wave and time must all be equal too.
+    EXPECT_EQ(table.rename(entry("a", 300, 9), "X"), -1);
+    EXPECT_EQ(table.rename(entry("a", 301), "X"), -1);
+    EXPECT_EQ(table.rename(entry("q", 300), "X"), -1);
+    EXPECT_EQ(names(table), "a b Zed ");
+}
+
 TEST(ScoreTable, TheTableKeepsTenAndTheEleventhFallsOut) {
     ScoreTable table;
     for (uint32_t i = 1; i <= 10; ++i) table.add(entry("p" + std::to_string(i), i * 10));
