@@ -10,6 +10,7 @@
 #include "engine/Color.h"
 #include "engine/Gamepad.h"
 #include "engine/PauseClock.h"
+#include "engine/TypedKeys.h"
 #include "engine/VertexArrays.h"
 #include "engine/WindowState.h"
 
@@ -50,6 +51,7 @@ void handleEvent(Orvel::GEvent* e, const SDL_Event& event) {
         // SDL 1.2 key symbols stay below 512.
         unsigned k = event.key.keysym.sym;
         e->keysLive[k >> 5] |= 1u << (k & 31);
+        TypedKeys::record((uint16_t)k, event.key.keysym.unicode);
         break;
     }
     case SDL_KEYUP: {

@@ -16,12 +16,14 @@
 
 #include "engine/Gamepad.h"
 #include "engine/PauseClock.h"
+#include "engine/TypedKeys.h"
 #include "engine/WindowState.h"
 #include "tests/support/XDriver.h"
 
 using orvel::Orvel;
 using orvel::Gamepad;
 using orvel::PauseClock;
+using orvel::TypedKeys;
 using orvel::WindowState;
 
 // SDL calls made by the engine pass through these wrappers (linked with --wrap), so tests can
@@ -159,6 +161,28 @@ TEST_F(OrvelWindowTest, KeyThroughXIsPressedForOneUpdateDownWhileHeldReleasedFor
     EXPECT_FALSE(Orvel::keyDown(SDLK_a));
     Orvel::update();
     EXPECT_FALSE(Orvel::keyReleased(SDLK_a));
+}
+
+TEST_F(OrvelWindowTest, KeysTypedThroughXArriveInOrderWithTheCharactersTheyType) {
+    openWindow();
+    TypedKeys::enable(true);
+    // Typed faster than frames come: not one update runs meanwhile.
+    ASSERT_TRUE(xdriver::xdotool("type --delay 1 'aB-7'"));
+    ASSERT_TRUE(xdriver::xdotool("key BackSpace"));
+    std::string typed;
+    int characters = 0;
+    ASSERT_TRUE(xdriver::waitFor([&typed, &characters] {
+        TypedKeys::Key key;
+        while (TypedKeys::take(key)) {
+            // Shift goes down for the capital: a key press that types nothing.
+            if (key.character == 0) continue;
+            typed += std::to_string(key.sym) + ":" + std::to_string(key.character) + " ";
+            ++characters;
+        }
+        return characters == 5;
+    }));
+    TypedKeys::enable(false);
+    EXPECT_EQ(typed, "97:97 98:66 45:45 55:55 8:8 ");
 }
 
 TEST_F(OrvelWindowTest, MouseButtonThroughXIsPressedForOneUpdateAndReleasedForOne) {
