@@ -17,6 +17,7 @@
 #include "engine/String.h"
 #include "engine/Texture.h"
 #include "game/Game.h"
+#include "game/GameSessions.h"
 #include "game/GamepadControl.h"
 #include "game/LoadingBar.h"
 #include "game/Menu.h"
@@ -24,6 +25,9 @@
 #include "game/Pause.h"
 #include "game/Resources.h"
 #include "game/SoundEffects.h"
+#include "game/arcade/GameOverScreen.h"
+#include "game/arcade/IntroScores.h"
+#include "game/scores/ScoreFile.h"
 #include "scene/DirectScene2D.h"
 #include "scene/Fader.h"
 #include "scene/Scene2D.h"
@@ -70,6 +74,9 @@ const int CREDIT_LINE = 10;
 const float INTRO_TOP = 25;
 const float INTRO_SPACING = 9;
 
+// The top-ten table over the intro (H); made at start-up.
+IntroScores* introScores = nullptr;
+
 // The effects' chunks on the open device; g_sound plays through it once they are loaded.
 MixerOutput effectOutput;
 
@@ -85,6 +92,7 @@ void fadeToBlack() {
 
 void endIntro() {
     if (!g_apology) return;
+    if (introScores) introScores->hide();
     g_hud->clear();
     g_world->clear();
     for (unsigned i = 0; i < g_apology->lines.count; ++i) delete g_apology->lines.data[i];
@@ -99,6 +107,15 @@ void startGame() {
     g_game->init();
     runlevel = RUNLEVEL_GAME;
     Mix_PlayMusic(music, -1);
+}
+
+// After a game over, once the fade to black has ended: the last session goes and a new one starts
+// as the first did, the music playing on.
+void playAgain() {
+    g_gameOver->reset();
+    GameSessions::end();
+    GameSessions::begin((int)time(nullptr));
+    g_fader->fadeIn(500);
 }
 
 int screenshot_num = 1;
@@ -200,6 +217,9 @@ void startUp() {
     // Every frame clears the screen before the world is copied onto it.
     g_world->copyOverBlack = true;
     g_apology = new Apology();
+    const std::string scores = ScoreFile::defaultPath();
+    introScores = new IntroScores(scores);
+    g_gameOver = new GameOverScreen(scores);
     startAudio();
 
     printf("Used texture memory: %f megabytes\n", (double)((float)Texture::usedMemory * (1.0f / 1048576.0f)));
@@ -211,7 +231,10 @@ void runFrameLogic() {
     if (runlevel == RUNLEVEL_MENU) g_menu->update();
     if (runlevel == RUNLEVEL_GAME) {
         g_pause.update(SDL_GetTicks());
-        if (!g_pause.paused) g_game->update();
+        if (!g_pause.paused) {
+            g_game->update();
+            if (g_gameOver) g_gameOver->update();
+        }
     }
 
     // Drawn again after the logic on purpose; the next pass's clear wipes it.
@@ -221,12 +244,18 @@ void runFrameLogic() {
         fadeToBlack();
         runlevel = RUNLEVEL_TO_GAME;
     }
+    if (runlevel == RUNLEVEL_INTRO && introScores && Orvel::keyPressed(SDLK_h)) introScores->toggle();
     if (runlevel == RUNLEVEL_TO_GAME && g_fader->done()) startGame();
+    if (runlevel == RUNLEVEL_GAME && g_gameOver && g_gameOver->phase() == GameOverScreen::LEAVING &&
+        g_fader->done())
+        playAgain();
 
     // Escape waits for a running fade to finish; the music fades 50 ms ahead of the picture.
     if (g_fader->done() && Orvel::keyPressed(SDLK_ESCAPE)) {
         // Out of a pause first: the fades run on the clock, and the music fades from playing.
         g_pause.leave(SDL_GetTicks());
+        // A name being typed is kept as it stands.
+        if (g_gameOver) g_gameOver->confirmName();
         fadeToBlack();
         Mix_FadeOutMusic(950);
         g_sound.fadeOutAll(950);
@@ -237,6 +266,12 @@ void runFrameLogic() {
 }
 
 namespace {
+
+// The game-over screen in play, the scores table over the intro.
+void drawScreens() {
+    if (runlevel == RUNLEVEL_GAME && g_gameOver) g_gameOver->draw();
+    if (runlevel == RUNLEVEL_INTRO && introScores) introScores->draw();
+}
 
 // A frame while paused: the frozen picture drawn and shown when it has to be, otherwise only the
 // input read, at about 20 frames a second; then the same logic as in play.
@@ -264,6 +299,7 @@ void runFrame() {
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
     g_world->draw();
     g_hud->draw();
+    drawScreens();
     g_fader->draw();
     Orvel::update();
     runFrameLogic();

@@ -47,14 +47,26 @@ void Fader::draw() {
         if (!(current > 0.0f)) return;
     }
 
+    fill(color, current, -1.0f, -1.0f, 1.0f, 1.0f);
+}
+
+void Fader::fillRect(const orvel::vec4& rgb, float opacity, float left, float top, float right, float bottom) {
+    const float w = (float)Orvel::getScreenWidth(), h = (float)Orvel::getScreenHeight();
+    fill(rgb, opacity, 2.0f * left / w - 1.0f, 1.0f - 2.0f * bottom / h, 2.0f * right / w - 1.0f,
+         1.0f - 2.0f * top / h);
+}
+
+void Fader::fill(const orvel::vec4& rgb, float opacity, float x0, float y0, float x1, float y1) {
     // Static so that the pointers left in GL's client state never dangle.
-    static const GLfloat vertices[8] = {-1, -1, 1, -1, 1, 1, -1, 1};
+    static GLfloat vertices[8];
     static GLfloat colors[16];
+    const GLfloat corners[8] = {x0, y0, x1, y0, x1, y1, x0, y1};
+    for (int i = 0; i < 8; ++i) vertices[i] = corners[i];
     for (int i = 0; i < 16; i += 4) {
-        colors[i + 0] = color.x;
-        colors[i + 1] = color.y;
-        colors[i + 2] = color.z;
-        colors[i + 3] = current;
+        colors[i + 0] = rgb.x;
+        colors[i + 1] = rgb.y;
+        colors[i + 2] = rgb.z;
+        colors[i + 3] = opacity;
     }
 
     // Without the shader set (no scene root built yet) the fixed pipeline draws the same quad.

@@ -22,6 +22,10 @@ public:
     // twice a frame; the second call finds the same time and so the same opacity.
     void draw();
 
+    // Covers the rectangle of screen pixels from (left, top) to (right, bottom) with `rgb` (w
+    // not drawn) at `opacity`, the way draw() covers the screen.
+    static void fillRect(const orvel::vec4& rgb, float opacity, float left, float top, float right, float bottom);
+
     uint32_t startTime; // ms of Orvel::currentTime when the fade began
     uint32_t endTime;   // ms of Orvel::currentTime when it ends
     float from;         // opacity at startTime
@@ -33,4 +37,6 @@ public:
 private:
     // Opacity eases from `fromOpacity` to `toOpacity` over `ms` (0 means 1000) starting now.
     void start(float fromOpacity, float toOpacity, unsigned int ms);
+    // Covers (x0, y0) to (x1, y1) in normalised device coordinates.
+    static void fill(const orvel::vec4& rgb, float opacity, float x0, float y0, float x1, float y1);
 };
