@@ -1,13 +1,20 @@
 // The real program in play: from the intro into the game, what the play screen shows, how keys and
 // buttons change it, and how it ends. Judged by screenshots (1280 x 720) and the exit status.
 
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdlib>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include <sys/stat.h>
+
 #include <gtest/gtest.h>
 
 #include "tests/e2e/PlaySession.h"
+#include "tests/support/FileChecks.h"
 #include "tests/support/GameProcess.h"
 #include "tests/support/XDriver.h"
 
@@ -379,4 +386,116 @@ TEST(Play, ClosingTheWindowDuringPlayEndsWithStatusZero) {
     ASSERT_NE(window, 0ul);
     xdriver::requestClose(window);
     EXPECT_EQ(game.waitForExit(), 0);
+}
+
+namespace {
+
+// The marked row of the top-ten table: yellow text.
+bool isMarkedRowInk(unsigned p) { return red(p) > 200 && green(p) > 170 && blue(p) < 90; }
+// The table's heading: light blue text.
+bool isHeadingInk(unsigned p) { return blue(p) > 200 && green(p) > 150 && red(p) < 190 && red(p) > 100; }
+
+// Where the table's first row and its heading are on the Game Over screen, and over the intro.
+const Rect FIRST_ROW_AFTER_GAME = {415, 402, 865, 422};
+const Rect HEADING_AFTER_GAME = {415, 372, 865, 392};
+const Rect HEADING_OVER_INTRO = {415, 225, 865, 245};
+
+std::string scoresFile(const Surroundings& dir) { return dir.path() + "/home/data/nightvector/scores"; }
+
+bool fileHolds(const std::string& path, const std::string& text) {
+    return testing_support::fileContents(path).find(text) != std::string::npos;
+}
+
+} // namespace
+
+TEST(PlayToGameOver, TheTypedNameIsKeptInTheTableAndReturnStartsANewGame) {
+    Surroundings dir;
+    dir.linkData();
+    GameProcess game(dir.path());
+    ASSERT_NO_FATAL_FAILURE(startPlaying(game));
+    int number = 0;
+    Image fresh;
+    ASSERT_TRUE(shoot(game, dir, number, fresh));
+
+    // Both guns held while the pointer circles the ship: it fights every wave where it stands
+    // and, not dodging, loses its lives in one to three minutes. The scores file appears once the
+    // "Game Over" text has faded in.
+    const std::string scores = scoresFile(dir);
+    game.pressButton(1);
+    game.pressButton(3);
+    bool over = false;
+    const auto giveUp = std::chrono::steady_clock::now() + std::chrono::minutes(6);
+    for (int step = 0; !over && game.isRunning() && std::chrono::steady_clock::now() < giveUp; ++step) {
+        const double angle = step * 0.15;
+        game.moveMouse(640 + (int)(300 * std::cos(angle)), 360 + (int)(300 * std::sin(angle)));
+        e2e::pause(50);
+        over = dir.exists("home/data/nightvector/scores");
+    }
+    game.releaseButton(1);
+    game.releaseButton(3);
+    ASSERT_TRUE(over) << "no Game Over in six minutes";
+    ASSERT_TRUE(fileHolds(scores, "nightvector scores 1\n"));
+
+    ASSERT_TRUE(xdriver::xdotool("type --delay 120 'Ace 7'"));
+    game.holdKey("Return");
+    bool renamed = false;
+    for (int waited = 0; waited < 10000 && !renamed; waited += 100) {
+        renamed = fileHolds(scores, "\tAce 7\n");
+        if (!renamed) e2e::pause(100);
+    }
+    ASSERT_TRUE(renamed) << testing_support::fileContents(scores);
+
+    Image table;
+    ASSERT_TRUE(shoot(game, dir, number, table));
+    EXPECT_GT(count(table, FIRST_ROW_AFTER_GAME, isMarkedRowInk), 100);
+    EXPECT_GT(count(table, HEADING_AFTER_GAME, isHeadingInk), 100);
+    // A copy for people to look at, where the environment asks for one.
+    if (const char* keep = getenv("NIGHTVECTOR_KEEP_TABLE_SHOT"))
+        testing_support::writeFileContents(
+            keep, testing_support::fileContents(dir.path() + "/screenshot_" + std::to_string(number) + ".bmp"));
+
+    // A new game: its first wave announced again, and its score box as at the first start.
+    game.holdKey("Return");
+    Banner banner;
+    Image shot;
+    bool found = false;
+    for (int tries = 0; tries < 40 && !found; ++tries) {
+        ASSERT_TRUE(shoot(game, dir, number, shot));
+        found = findBanner(shot, fresh, banner);
+    }
+    ASSERT_TRUE(found);
+    EXPECT_EQ(count(shot, FIRST_ROW_AFTER_GAME, isMarkedRowInk), 0);
+    EXPECT_GT(hudInkOverlap(fresh, shot, SCORE_AREA), 0.98);
+
+    quitWithEscape(game);
+    // One entry: the game, under the typed name.
+    const std::string text = testing_support::fileContents(scores);
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 2) << text;
+}
+
+TEST(Play, HOnTheIntroShowsTheTableOverItAndHidesItAgain) {
+    Surroundings dir;
+    dir.linkData();
+    for (const char* folder : {"home", "home/data", "home/data/nightvector"})
+        ASSERT_EQ(mkdir((dir.path() + "/" + folder).c_str(), 0700), 0) << folder;
+    dir.writeFile("home/data/nightvector/scores", "nightvector scores 1\n4200\t5\t1764000123\tVega\n");
+    GameProcess game(dir.path());
+    ASSERT_TRUE(game.waitForOutput("megabytes\n")) << game.output() << game.errors();
+    // The intro fades in from white over a second.
+    e2e::pause(2000);
+    int number = 0;
+    Image intro, withTable, after;
+    ASSERT_TRUE(shoot(game, dir, number, intro));
+    game.tapKey("h");
+    ASSERT_TRUE(shoot(game, dir, number, withTable));
+    game.tapKey("h");
+    ASSERT_TRUE(shoot(game, dir, number, after));
+
+    EXPECT_EQ(count(intro, HEADING_OVER_INTRO, isHeadingInk), 0);
+    EXPECT_GT(count(withTable, HEADING_OVER_INTRO, isHeadingInk), 100);
+    // The entry's row, white, under the heading.
+    const Rect firstRow = {415, 255, 865, 275};
+    EXPECT_GT(count(withTable, firstRow, [](unsigned p) { return brightness(p) > 600; }), 100);
+    EXPECT_EQ(after.pixels, intro.pixels);
+    quitWithEscape(game);
 }

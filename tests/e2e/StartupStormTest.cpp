@@ -23,13 +23,7 @@ const int DEFAULT_STARTS = 30;
 // share of it, so that the quits fall at many moments after loading.
 const int LONGEST_STAY_MS = 1500;
 
-int starts() {
-    const char* text = std::getenv("NIGHTVECTOR_STARTUP_STORM_STARTS");
-    if (!text) return DEFAULT_STARTS;
-    char* end = nullptr;
-    long n = std::strtol(text, &end, 10);
-    return end != text && *end == '\0' && n > 0 ? (int)n : DEFAULT_STARTS;
-}
+int starts() { return e2e::positiveSetting("NIGHTVECTOR_STARTUP_STORM_STARTS", DEFAULT_STARTS); }
 
 enum class Outcome { Clean, Crashed, Failed };
 

@@ -26,13 +26,7 @@ const std::uint32_t STORM_SEED = 0x4e564d31u;
 const char* const STEERING_KEYS[] = {"w", "a", "s", "d"};
 const int BUTTONS[] = {1, 2, 3};
 
-int stormSeconds() {
-    const char* text = std::getenv("NIGHTVECTOR_STORM_SECONDS");
-    if (!text) return DEFAULT_STORM_SECONDS;
-    char* end = nullptr;
-    long seconds = std::strtol(text, &end, 10);
-    return end != text && *end == '\0' && seconds > 0 ? (int)seconds : DEFAULT_STORM_SECONDS;
-}
+int stormSeconds() { return e2e::positiveSetting("NIGHTVECTOR_STORM_SECONDS", DEFAULT_STORM_SECONDS); }
 
 std::string screenshotName(int number) { return "screenshot_" + std::to_string(number) + ".bmp"; }
 

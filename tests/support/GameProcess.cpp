@@ -37,6 +37,14 @@ std::string run(const std::string& command) {
 
 void pause(int ms) { usleep(ms * 1000); }
 
+int positiveSetting(const char* variable, int fallback) {
+    const char* text = std::getenv(variable);
+    if (!text) return fallback;
+    char* end = nullptr;
+    const long n = std::strtol(text, &end, 10);
+    return end != text && *end == '\0' && n > 0 && n <= 1000000000 ? (int)n : fallback;
+}
+
 Surroundings::Surroundings() {
     char name[] = "/tmp/nightvector-e2e-XXXXXX";
     dir = mkdtemp(name) ? name : "";

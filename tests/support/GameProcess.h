@@ -116,5 +116,8 @@ bool loadBmp(const std::string& path, Image& image);
 
 // Sleeps `ms` milliseconds.
 void pause(int ms);
+// The whole positive number the environment variable `variable` holds; `fallback` when it is
+// unset or holds anything else.
+int positiveSetting(const char* variable, int fallback);
 
 } // namespace e2e
