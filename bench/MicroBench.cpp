@@ -27,6 +27,7 @@
 #include "game/Enemy.h"
 #include "game/Explosions.h"
 #include "game/Game.h"
+#include "game/GameSessions.h"
 #include "game/Laser.h"
 #include "game/Main.h"
 #include "game/Plasma.h"
@@ -442,6 +443,49 @@ void frames(benchmark::internal::Benchmark* b) {
     b->Iterations(FRAME_ITERATIONS)->UseManualTime()->Unit(benchmark::kMillisecond);
 }
 
+// ---- Sessions in a row ----
+
+// Resident memory of this process now, in KiB.
+double residentKib() {
+    long pages = 0, resident = 0;
+    if (FILE* file = fopen("/proc/self/statm", "r")) {
+        if (fscanf(file, "%ld %ld", &pages, &resident) != 2) resident = 0;
+        fclose(file);
+    }
+    return (double)resident * (double)sysconf(_SC_PAGESIZE) / 1024.0;
+}
+
+// Games one after another as Return after Game Over starts them: each session taken down and a
+// new one begun, played for ten seconds of both guns into the first wave, every fourth frame
+// drawn whole. The resident memory after the first session, and the most it grows past that over
+// the next ones: a session that left anything behind would show here.
+void SessionsInARow(benchmark::State& state) {
+    state.SetLabel("RSS after the 1st of 50 sessions");
+    const int sessions = (int)state.range(0);
+    const int framesPerSession = 600;
+    double first = 0.0, growth = 0.0;
+    for (auto _ : state) {
+        BenchSession session(1);
+        for (int s = 0; s < sessions; ++s) {
+            GameSessions::end();
+            GameSessions::begin(1000 + s);
+            for (int f = 0; f < framesPerSession; ++f) {
+                session.prepareFrame();
+                if (f % 4 == 0)
+                    session.fullFrame();
+                else
+                    session.logic();
+            }
+            GameSessions::end();
+            const double kib = residentKib();
+            if (s == 0) first = kib;
+            growth = std::max(growth, kib - first);
+        }
+    }
+    state.counters["rss_after_first_mib"] = first / 1024.0;
+    state.counters["rss_growth_kib"] = growth;
+}
+
 } // namespace
 
 // Registered in this order after the session scenarios (this file is linked after FrameBench.cpp),
@@ -454,3 +498,5 @@ BENCHMARK(ParticlesUpdate)->Apply(frames);
 BENCHMARK(ParticlesDraw)->Iterations(PARTICLE_DRAW_ITERATIONS)->UseManualTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(StarfieldDraw)->Apply(frames);
 BENCHMARK(HudDraw)->ArgName("wave")->Arg(17)->Apply(frames);
+// Last: it takes games down and up again, which no row above expects.
+BENCHMARK(SessionsInARow)->ArgName("sessions")->Arg(50)->Iterations(1)->Unit(benchmark::kSecond);

@@ -80,6 +80,12 @@ void TableReporter::ReportRuns(const std::vector<Run>& runs) {
         } else if (has(run, "cpu_percent")) {
             snprintf(line, sizeof line, ROW, name.c_str(), wave.c_str(), figure(true, counter(run, "cpu_percent"), 1).c_str(),
                      "-", "-", "%", "-", "-", "-");
+        } else if (has(run, "rss_growth_kib")) {
+            snprintf(line, sizeof line, ROW, name.c_str(), wave.c_str(),
+                     figure(true, counter(run, "rss_after_first_mib"), 1).c_str(), "-", "-", "MiB", "-", "-", "-");
+            out << line;
+            snprintf(line, sizeof line, "%-30s %.0f KiB most resident memory grew past it in the later sessions\n",
+                     "  growth:", counter(run, "rss_growth_kib"));
         } else if (has(run, "peak_rss_mib")) {
             snprintf(line, sizeof line, ROW, name.c_str(), wave.c_str(), figure(true, counter(run, "peak_rss_mib"), 1).c_str(),
                      "-", "-", "MiB", "-", "-", "-");

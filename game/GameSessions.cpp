@@ -1,5 +1,7 @@
 #include "game/GameSessions.h"
 
+#include <malloc.h>
+
 #include "engine/Stack.h"
 #include "game/EnergyGauges.h"
 #include "game/Enemy.h"
@@ -74,6 +76,9 @@ void GameSessions::end() {
     delete game->gameOverText;
     g_game = nullptr;
     delete game;
+    // The pages the session's objects held go back to the system instead of staying resident
+    // until the next session reuses some of them; the screen is black meanwhile.
+    malloc_trim(0);
 }
 
 void GameSessions::begin(int seed) {
