@@ -86,7 +86,8 @@ void GameOverScreen::update() {
 void GameOverScreen::showResult() {
     finished = ScoreEntry();
     finished.name = defaultName;
-    finished.score = g_game->scoreCounter && g_game->scoreCounter->value > 0 ? (uint32_t)g_game->scoreCounter->value : 0;
+    const int score = g_game->scoreCounter ? g_game->scoreCounter->value : 0;
+    finished.score = score > 0 ? (uint32_t)score : 0;
     finished.wave = g_game->wave > 0 ? (uint32_t)g_game->wave : 0;
     finished.when = wallClock();
     if (file) {

@@ -49,7 +49,8 @@ int ScoreTable::add(const ScoreEntry& entry) {
 int ScoreTable::rename(const ScoreEntry& entry, const std::string& name) {
     for (size_t i = 0; i < list.size(); ++i) {
         ScoreEntry& held = list[i];
-        if (held.name == entry.name && held.score == entry.score && held.wave == entry.wave && held.when == entry.when) {
+        if (held.name == entry.name && held.score == entry.score && held.wave == entry.wave &&
+            held.when == entry.when) {
             held.name = name;
             return (int)i;
         }

@@ -8,20 +8,12 @@
 #include <utility>
 
 #include "engine/GL.h"
+#include "tests/game/scores/ScoreEntries.h"
 #include "tests/support/GameSession.h"
 
 using namespace testing_support;
 
 namespace {
-
-ScoreEntry entry(const std::string& name, uint32_t score, uint32_t wave, int64_t when) {
-    ScoreEntry e;
-    e.name = name;
-    e.score = score;
-    e.wave = wave;
-    e.when = when;
-    return e;
-}
 
 class ScoreTableViewTest : public HudScene {
 protected:
@@ -71,12 +63,12 @@ TEST_F(ScoreTableViewTest, TheHeadingNamesTheColumns) {
 }
 
 TEST_F(ScoreTableViewTest, ARowHoldsRankNameScoreWaveAndTheDayInColumnsUnderTheHeading) {
-    EXPECT_EQ(ScoreTableView::rowLine(0, entry("Ada", 4200, 5, 1764000123), "Ada"),
+    EXPECT_EQ(ScoreTableView::rowLine(0, scoreEntry("Ada", 4200, 5, 1764000123), "Ada"),
               " 1  Ada                4200     5  2025-11-24");
-    EXPECT_EQ(ScoreTableView::rowLine(9, entry("abcdefghijkl", 4294967295u, 9999, 0), "abcdefghijkl"),
+    EXPECT_EQ(ScoreTableView::rowLine(9, scoreEntry("abcdefghijkl", 4294967295u, 9999, 0), "abcdefghijkl"),
               "10  abcdefghijkl  4294967295  9999  1970-01-01");
     // The name shown may differ from the entry's: the one being typed.
-    EXPECT_EQ(ScoreTableView::rowLine(2, entry("Ada", 7, 1, 1764000123), "Bo_"),
+    EXPECT_EQ(ScoreTableView::rowLine(2, scoreEntry("Ada", 7, 1, 1764000123), "Bo_"),
               " 3  Bo_                   7     1  2025-11-24");
 }
 
@@ -99,8 +91,8 @@ TEST_F(ScoreTableViewTest, ThePanelDarkensItsRectangleAndNothingOutside) {
 
 TEST_F(ScoreTableViewTest, EveryLineStartsAtThePanelsLeftMarginAndEndsWithinIt) {
     ScoreTable table;
-    table.add(entry("abcdefghijkl", 4294967295u, 9999, 1764000123));
-    table.add(entry("b", 1, 1, 1764000123));
+    table.add(scoreEntry("abcdefghijkl", 4294967295u, 9999, 1764000123));
+    table.add(scoreEntry("b", 1, 1, 1764000123));
     ScoreTableView view(372.0f);
     view.show(table, 0);
     const Pixels p = drawOnGrey(view);
@@ -121,9 +113,9 @@ TEST_F(ScoreTableViewTest, EveryLineStartsAtThePanelsLeftMarginAndEndsWithinIt) 
 
 TEST_F(ScoreTableViewTest, TheMarkedRowIsYellowTheOthersWhiteAndEmptyRowsBlank) {
     ScoreTable table;
-    table.add(entry("first", 900, 4, 1764000123));
-    table.add(entry("second", 500, 3, 1764000123));
-    table.add(entry("third", 100, 1, 1764000123));
+    table.add(scoreEntry("first", 900, 4, 1764000123));
+    table.add(scoreEntry("second", 500, 3, 1764000123));
+    table.add(scoreEntry("third", 100, 1, 1764000123));
     ScoreTableView view(372.0f);
     view.show(table, 1);
     const Pixels p = drawOnGrey(view);
@@ -140,8 +132,8 @@ TEST_F(ScoreTableViewTest, TheMarkedRowIsYellowTheOthersWhiteAndEmptyRowsBlank) 
 
 TEST_F(ScoreTableViewTest, AShorterTableShownLaterBlanksTheRowsItNoLongerHas) {
     ScoreTable full, one;
-    for (uint32_t i = 1; i <= 10; ++i) full.add(entry("p" + std::to_string(i), i * 10, 1, 0));
-    one.add(entry("solo", 5, 1, 0));
+    for (uint32_t i = 1; i <= 10; ++i) full.add(scoreEntry("p" + std::to_string(i), i * 10, 1, 0));
+    one.add(scoreEntry("solo", 5, 1, 0));
     ScoreTableView view(372.0f);
     view.show(full, -1);
     view.show(one, 0);

@@ -11,7 +11,10 @@ namespace {
 // Types each character of `text` as the key that types it.
 bool typeText(NameEntry& entry, const char* text) {
     bool confirmed = false;
-    for (const char* c = text; *c; ++c) confirmed = entry.type(*c >= 'A' && *c <= 'Z' ? *c - 'A' + 'a' : *c, (uint16_t)*c) || confirmed;
+    for (const char* c = text; *c; ++c) {
+        const int key = *c >= 'A' && *c <= 'Z' ? *c - 'A' + 'a' : *c;
+        confirmed = entry.type(key, (uint16_t)*c) || confirmed;
+    }
     return confirmed;
 }
 
