@@ -113,7 +113,9 @@ void GamepadControl::apply(uint32_t realNow) {
     if (!padAims) return;
     float shipX = 0.5f * (float)Orvel::getScreenWidth(), shipY = 0.5f * (float)Orvel::getScreenHeight();
     if (g_game && g_game->player && g_world) {
-        const orvel::vec2 s = g_world->worldToScreen(g_game->player->position);
+        // Where the ship is drawn: worldToScreen scales after the camera's offset, and parts
+        // from the picture once the camera zooms out with the ship's speed.
+        const orvel::vec2 s = g_world->drawnPosition(g_game->player->position);
         shipX = s.x;
         shipY = s.y;
     }

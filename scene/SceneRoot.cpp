@@ -464,3 +464,18 @@ vec2 SceneRoot::worldToScreen(const vec2& p) const {
 vec2 SceneRoot::screenToWorld(const vec2& p) const {
     return screenToWorldMatrix() * p;
 }
+
+vec2 SceneRoot::drawnPosition(const vec2& p) const {
+    const vec2 c = viewCentre();
+    vec2 near = p;
+    if (wrap) {
+        near.x = c.x + Math::wrapf(p.x - c.x + worldWidth * 0.5f, 0, worldWidth) - worldWidth * 0.5f;
+        near.y = c.y + Math::wrapf(p.y - c.y + worldHeight * 0.5f, 0, worldHeight) - worldHeight * 0.5f;
+    }
+    mat2 m;
+    m.translate((float)(screenWidth / 2), (float)(screenHeight / 2))
+        .scale(camera->zoom)
+        .rotate(-Math::toRadian(camera->rotation))
+        .translate(-c.x, -c.y);
+    return m * near;
+}

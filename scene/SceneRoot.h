@@ -51,6 +51,9 @@ public:
     // -rotation; the two agree at rotation 0, which is all the game uses. Kept as it is.
     orvel::vec2 worldToScreen(const orvel::vec2& p) const;
     orvel::vec2 screenToWorld(const orvel::vec2& p) const;
+    // Where draw() puts the world point `p`. When the world wraps, `p` is taken at its copy
+    // nearest the camera, and this is the inverse of screenToWorld, which scales as draw() does.
+    orvel::vec2 drawnPosition(const orvel::vec2& p) const;
 
     Camera2D defaultCamera;  // at the centre of the screen; used while no camera is set
     Camera2D previousCamera; // the camera as the previous draw() used it; (0, 0) before the first

@@ -163,6 +163,10 @@ TEST_F(GamepadControlTest, TriggersAtRestFireNothingPulledTheyFireBothWeapons) {
 
 TEST_F(GamepadControlTest, TheLeftStickSteersAndTheRightStickAimsFromTheShip) {
     describeXbox();
+    // After a flight: the camera leads the ship and has zoomed out with its speed.
+    Camera2D* camera = g_world->camera;
+    camera->position = orvel::vec2(g_game->player->position.x + 150.0f, g_game->player->position.y - 50.0f);
+    camera->zoom = 0.8f;
     axis(0, -32768);
     axis(1, 32767);
     axis(3, 32767);
@@ -171,8 +175,9 @@ TEST_F(GamepadControlTest, TheLeftStickSteersAndTheRightStickAimsFromTheShip) {
     EXPECT_TRUE(Orvel::keyDown(SDLK_s));
     EXPECT_FALSE(Orvel::keyDown(SDLK_w));
     EXPECT_FALSE(Orvel::keyDown(SDLK_d));
-    // Full tilt to the right: the far reach from the ship's place on the screen.
-    const vec2 ship = g_world->worldToScreen(g_game->player->position);
+    // Full tilt to the right: the far reach from where the ship is drawn, 150 units left of the
+    // camera and 50 below it at a zoom of 0.8: (640 - 120, 360 + 40).
+    const vec2 ship(520.0f, 400.0f);
     EXPECT_EQ(Orvel::mouseX(), (int)std::lround(ship.x + GamepadControl::AIM_FAR));
     EXPECT_EQ(Orvel::mouseY(), (int)std::lround(ship.y));
     // Just past the dead zone, straight up: the near reach.

@@ -120,3 +120,46 @@ TEST_F(EffectTest, GetsTheCombinedSceneColour) {
     EXPECT_TRUE(blockIs(readScreen(), 0, 0, 10, 10, pack(0, 128, 255)));
     delete e;
 }
+
+TEST_F(EffectTest, AWorldPointIsDrawnWhereTheRootSaysWithTheCameraZoomedOut) {
+    // Zoomed out, as the game's camera is when the ship flies fast.
+    Camera2D camera(orvel::vec2(1000, 1000), 0.8f, 0);
+    root->setCamera(&camera);
+    Group* group = new Group();
+    SquareEffect* e = new SquareEffect();
+    group->add(e);
+    drawAt(*root, *group, 1100, 950);
+
+    // 100 units right of the camera and 50 up, at 0.8, from the centre of the 320 x 240 window:
+    // (160 + 80, 120 - 40).
+    const orvel::vec2 at = root->drawnPosition(orvel::vec2(1100, 950));
+    EXPECT_FLOAT_EQ(at.x, 240.0f);
+    EXPECT_FLOAT_EQ(at.y, 80.0f);
+    // The square's 10 units are 8 pixels there.
+    Pixels p = readScreen();
+    EXPECT_TRUE(blockIs(p, 240, 80, 8, 8, pack(255, 255, 255)));
+    EXPECT_EQ(rgb(p.at(239, 84)), 0u);
+    EXPECT_EQ(rgb(p.at(248, 84)), 0u);
+    EXPECT_EQ(rgb(p.at(244, 79)), 0u);
+    EXPECT_EQ(rgb(p.at(244, 88)), 0u);
+    root->setCamera(nullptr);
+    delete e;
+    delete group;
+}
+
+TEST_F(EffectTest, TheDrawnPositionOfAPointAcrossTheWrapIsItsCopyNearestTheCamera) {
+    root->worldWidth = 4096;
+    root->worldHeight = 4096;
+    root->wrap = true;
+    Camera2D camera(orvel::vec2(4050, -30), 0.8f, 0);
+    root->setCamera(&camera);
+    // 100 units right of the camera across the right edge, 50 up across the top one.
+    const orvel::vec2 at = root->drawnPosition(orvel::vec2(54, 4016));
+    EXPECT_FLOAT_EQ(at.x, 240.0f);
+    EXPECT_FLOAT_EQ(at.y, 80.0f);
+    // And back.
+    const orvel::vec2 back = root->screenToWorld(at);
+    EXPECT_FLOAT_EQ(back.x, 4150.0f);
+    EXPECT_FLOAT_EQ(back.y, 4016.0f);
+    root->setCamera(nullptr);
+}
