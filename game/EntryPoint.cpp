@@ -1,5 +1,5 @@
-// Nightvector's entry point. Command-line arguments are ignored.
+// Nightvector's entry point.
 
 #include "game/Main.h"
 
-int main() { return runNightvector(); }
+int main(int argc, char** argv) { return runNightvector(argc, argv); }

@@ -27,6 +27,7 @@
 #include "game/SoundEffects.h"
 #include "game/arcade/GameOverScreen.h"
 #include "game/arcade/IntroScores.h"
+#include "game/desktop/CommandLine.h"
 #include "game/scores/ScoreFile.h"
 #include "scene/DirectScene2D.h"
 #include "scene/Fader.h"
@@ -187,12 +188,12 @@ void startAudio() {
 
 void shareOneHeap() { mallopt(M_ARENA_MAX, 1); }
 
-void startUp() {
+void startUp(bool fullscreen) {
     shareOneHeap();
     // The OpenGL window needs X; without a display SDL must fail rather than fall back to a
     // text-mode driver that cannot show it. A driver the user chose is left alone.
     setenv("SDL_VIDEODRIVER", "x11", 0);
-    Orvel::init(1280, 720, CAPTION, true, true);
+    Orvel::init(1280, 720, CAPTION, fullscreen, true);
     // The window shows the loading bar from its first moment until the intro's first frame.
     LoadingBar::show(0, 1);
     Gamepad::open();
@@ -305,8 +306,20 @@ void runFrame() {
     runFrameLogic();
 }
 
-int runNightvector() {
-    startUp();
+int runNightvector(int argc, char** argv) {
+    LaunchOptions options;
+    std::string out, err;
+    switch (CommandLine::parse(argc, argv, options, out, err)) {
+    case CommandLine::EXIT_OK:
+        fputs(out.c_str(), stdout);
+        return 0;
+    case CommandLine::EXIT_USAGE:
+        fputs(err.c_str(), stderr);
+        return CommandLine::USAGE_STATUS;
+    case CommandLine::RUN:
+        break;
+    }
+    startUp(options.display != LaunchOptions::DISPLAY_WINDOW);
     while (runlevel != RUNLEVEL_QUIT) runFrame();
     Orvel::quit();
     return 0;

@@ -66,12 +66,13 @@ int firstFreeScreenshotNumber(int from);
 // Numbers the screenshots from 1 again, as a new run does (for tests that play several runs).
 void resetScreenshotNumbers();
 
-// Start-up: window, resources, scene roots, fader, intro screen, music and sound effects, memory
-// report.
-void startUp();
+// Start-up: window (full screen unless `fullscreen` is false), resources, scene roots, fader,
+// intro screen, music and sound effects, memory report.
+void startUp(bool fullscreen = true);
 // One pass of the main loop: draw, end the frame, then the runlevel's logic and the global keys.
 void runFrame();
 // The runlevel logic and global keys of one frame, after Orvel::update.
 void runFrameLogic();
-// The whole program: start-up, the loop while runlevel is not 0, shut-down. Returns 0.
-int runNightvector();
+// The whole program: the command line read, start-up, the loop while runlevel is not 0, shut-down.
+// Returns 0, or CommandLine::USAGE_STATUS after a mistake on the command line (nothing started).
+int runNightvector(int argc, char** argv);

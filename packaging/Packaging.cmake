@@ -17,10 +17,6 @@ set(NIGHTVECTOR_ICON_SIZES 64 128 256)
 set(PACKAGING_SOURCE ${PROJECT_SOURCE_DIR}/packaging)
 set(PACKAGING_BINARY ${PROJECT_BINARY_DIR}/packaging)
 
-# The version is the newest entry of the changelog (Debian's format), so the two never disagree.
-file(STRINGS ${PACKAGING_SOURCE}/changelog NIGHTVECTOR_CHANGELOG_TOP LIMIT_COUNT 1)
-string(REGEX MATCH "\\(([^)]+)\\)" _ "${NIGHTVECTOR_CHANGELOG_TOP}")
-set(NIGHTVECTOR_VERSION ${CMAKE_MATCH_1})
 
 # The launcher climbs from its own directory to the prefix, so an unpacked package works anywhere.
 file(RELATIVE_PATH NIGHTVECTOR_PREFIX_FROM_GAMES /prefix/${NIGHTVECTOR_GAMES_DIR} /prefix)

@@ -84,7 +84,8 @@ void Surroundings::linkData() {
 
 bool Surroundings::exists(const std::string& file) const { return access((dir + "/" + file).c_str(), F_OK) == 0; }
 
-GameProcess::GameProcess(const std::string& workingDir, const std::vector<std::string>& env)
+GameProcess::GameProcess(const std::string& workingDir, const std::vector<std::string>& env,
+                         const std::vector<std::string>& args)
     : dir(workingDir), pid(-1), status(-1), endSignal(0), ended(false) {
     // Emptied here, before the child exists: a run in a directory used before must not show the
     // last run's output to a caller that starts waiting for it at once.
@@ -96,6 +97,12 @@ GameProcess::GameProcess(const std::string& workingDir, const std::vector<std::s
     const char* realHome = std::getenv("HOME");
     const std::string cacheHome = cache && cache[0] == '/' ? cache : std::string(realHome ? realHome : "/tmp") + "/.cache";
     const std::string home = dir + "/home";
+    // The argument vector is made before the fork: the child only execs.
+    std::vector<std::string> words{GAME_BINARY};
+    words.insert(words.end(), args.begin(), args.end());
+    std::vector<char*> argv;
+    for (std::string& word : words) argv.push_back(&word[0]);
+    argv.push_back(nullptr);
     pid = fork();
     if (pid == 0) {
         if (chdir(dir.c_str()) != 0) _exit(126);
@@ -114,7 +121,7 @@ GameProcess::GameProcess(const std::string& workingDir, const std::vector<std::s
         }
         dup2(out, 1);
         dup2(err, 2);
-        execl(GAME_BINARY, GAME_BINARY, (char*)nullptr);
+        execv(GAME_BINARY, argv.data());
         _exit(127);
     }
     if (out >= 0) close(out);

@@ -42,9 +42,11 @@ struct Image;
 class GameProcess {
 public:
     // Starts the game in `workingDir` with `env` ("NAME=value"; "NAME=" unsets NAME) added to this
-    // process's environment. SDL_AUDIODRIVER is "dummy", HOME is `workingDir`/home with the data
-    // and config homes inside it, and XDG_CACHE_HOME the caller's cache, unless env sets them.
-    GameProcess(const std::string& workingDir, const std::vector<std::string>& env = {});
+    // process's environment and `args` on its command line. SDL_AUDIODRIVER is "dummy", HOME is
+    // `workingDir`/home with the data and config homes inside it, and XDG_CACHE_HOME the caller's
+    // cache, unless env sets them.
+    GameProcess(const std::string& workingDir, const std::vector<std::string>& env = {},
+                const std::vector<std::string>& args = {});
     ~GameProcess();
     GameProcess(const GameProcess&) = delete;
     GameProcess& operator=(const GameProcess&) = delete;

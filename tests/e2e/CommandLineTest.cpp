@@ -1,0 +1,136 @@
+// The real program's command line: --help and --version answer and exit, a mistake exits 2 with
+// the usage on standard error and starts nothing, --window plays in a window on a larger screen.
+
+#include <csignal>
+#include <cstdio>
+#include <string>
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/GameProcess.h"
+
+using e2e::GameProcess;
+using e2e::Surroundings;
+
+namespace {
+
+const char* const USAGE_START = "Usage: nightvector [OPTION]...\n";
+
+// An X server of its own with a 1920 x 1080 screen, for as long as the object lives.
+class LargeScreen {
+public:
+    LargeScreen() {
+        int fds[2];
+        if (pipe(fds) != 0) return;
+        pid = fork();
+        if (pid == 0) {
+            close(fds[0]);
+            const int quiet = open("/dev/null", O_WRONLY);
+            dup2(quiet, 2);
+            const std::string fd = std::to_string(fds[1]);
+            execlp("Xvfb", "Xvfb", "-displayfd", fd.c_str(), "-screen", "0", "1920x1080x24", "-nolisten", "tcp",
+                   (char*)nullptr);
+            _exit(127);
+        }
+        close(fds[1]);
+        // Xvfb writes its display number once it takes connections.
+        char number[16] = {};
+        FILE* in = fdopen(fds[0], "r");
+        if (in && fgets(number, sizeof number, in)) display = ":" + std::string(number, strcspn(number, "\n"));
+        if (in) fclose(in);
+    }
+    ~LargeScreen() {
+        if (pid > 0) {
+            kill(pid, SIGTERM);
+            waitpid(pid, nullptr, 0);
+        }
+    }
+    // ":N", or "" when the server did not start.
+    std::string display;
+
+private:
+    pid_t pid = -1;
+};
+
+// What `command` prints, run with DISPLAY set to `display`.
+std::string runOn(const std::string& display, const std::string& command) {
+    const std::string line = "DISPLAY=" + display + " " + command;
+    std::string out;
+    if (FILE* pipe = popen(line.c_str(), "r")) {
+        char buffer[128];
+        while (fgets(buffer, sizeof buffer, pipe)) out += buffer;
+        pclose(pipe);
+    }
+    return out;
+}
+
+// The size of the game's window on `display` as xdotool reports it ("1280x720"), "" if none.
+std::string windowSize(const std::string& display) {
+    std::string size = runOn(display, "xdotool search --name '^Nightvector' getwindowgeometry 2>/dev/null"
+                                      " | sed -n 's/^ *Geometry: //p' | head -n 1");
+    if (!size.empty() && size.back() == '\n') size.pop_back();
+    return size;
+}
+
+} // namespace
+
+TEST(CommandLine, HelpPrintsTheUsageAndExitsWithoutStarting) {
+    Surroundings dir;
+    dir.linkData();
+    GameProcess game(dir.path(), {}, {"--help"});
+    EXPECT_EQ(game.waitForExit(), 0);
+    EXPECT_EQ(game.output().rfind(USAGE_START, 0), 0u) << game.output();
+    EXPECT_NE(game.output().find("  --window "), std::string::npos);
+    EXPECT_EQ(game.errors(), "");
+}
+
+TEST(CommandLine, VersionPrintsTheVersionAndExits) {
+    Surroundings dir;
+    GameProcess game(dir.path(), {}, {"--version"});
+    EXPECT_EQ(game.waitForExit(), 0);
+    EXPECT_EQ(game.output(), std::string("nightvector ") + NIGHTVECTOR_VERSION + "\n");
+    EXPECT_EQ(game.errors(), "");
+}
+
+TEST(CommandLine, AnUnknownOptionExitsWithStatusTwoAndTheUsageOnStandardError) {
+    Surroundings dir;
+    dir.linkData();
+    GameProcess game(dir.path(), {}, {"--fly"});
+    EXPECT_EQ(game.waitForExit(), 2);
+    EXPECT_EQ(game.errors().rfind(std::string("nightvector: invalid option '--fly'\n") + USAGE_START, 0), 0u)
+        << game.errors();
+    // Nothing was loaded.
+    EXPECT_EQ(game.output(), "");
+}
+
+TEST(CommandLine, AStrayArgumentExitsWithStatusTwo) {
+    Surroundings dir;
+    GameProcess game(dir.path(), {}, {"--window", "extra"});
+    EXPECT_EQ(game.waitForExit(), 2);
+    EXPECT_EQ(game.errors().rfind("nightvector: unexpected argument 'extra'\n", 0), 0u) << game.errors();
+}
+
+TEST(CommandLine, WindowPlaysIn1280By720OnALargerScreenAndFullScreenCoversTheScreen) {
+    LargeScreen screen;
+    ASSERT_FALSE(screen.display.empty()) << "no Xvfb";
+    for (const char* option : {"--window", "--fullscreen"}) {
+        Surroundings dir;
+        dir.linkData();
+        GameProcess game(dir.path(), {"DISPLAY=" + screen.display}, {option});
+        ASSERT_TRUE(game.waitForOutput("megabytes\n")) << option << game.errors();
+        const bool window = option == std::string("--window");
+        // The game's window is 1280 x 720 either way; full screen puts a window over the whole
+        // screen around it, where the picture sits centred in black.
+        EXPECT_EQ(windowSize(screen.display), "1280x720") << option;
+        const std::string covering = runOn(screen.display, "xwininfo -root -children | grep -c ' 1920x1080+0+0 '");
+        EXPECT_EQ(covering, window ? "0\n" : "1\n") << option;
+        // Escape held on that screen until the game has gone.
+        runOn(screen.display, "xdotool keydown Escape");
+        EXPECT_EQ(game.waitForExit(), 0) << option;
+        runOn(screen.display, "xdotool keyup Escape");
+    }
+}

@@ -1,0 +1,113 @@
+// The command line: each option, combinations, and every kind of mistake with its message.
+
+#include "game/desktop/CommandLine.h"
+
+#include <initializer_list>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// Parses `args` after the program's name.
+struct Parsed {
+    CommandLine::Outcome outcome;
+    LaunchOptions options;
+    std::string out, err;
+};
+
+Parsed parse(std::initializer_list<const char*> args,
+             const char* program = "/usr/lib/games/nightvector/nightvector") {
+    std::vector<std::string> words{program};
+    for (const char* a : args) words.push_back(a);
+    std::vector<char*> argv;
+    for (std::string& w : words) argv.push_back(&w[0]);
+    argv.push_back(nullptr);
+    Parsed p;
+    p.outcome = CommandLine::parse((int)words.size(), argv.data(), p.options, p.out, p.err);
+    return p;
+}
+
+const std::string USAGE = "Usage: nightvector [OPTION]...\n"
+                          "A real-time 2D space shooter.\n"
+                          "\n"
+                          "  --window          play in a 1280 x 720 window\n"
+                          "  --fullscreen      play on the whole screen\n"
+                          "  -h, --help        show this help and exit\n"
+                          "      --version     show the version and exit\n"
+                          "\n"
+                          "Without options the game starts on the whole screen.\n";
+
+} // namespace
+
+TEST(CommandLine, NoArgumentsRunTheGameAsAlways) {
+    const Parsed p = parse({});
+    EXPECT_EQ(p.outcome, CommandLine::RUN);
+    EXPECT_EQ(p.options.display, LaunchOptions::DISPLAY_UNSET);
+    EXPECT_EQ(p.out, "");
+    EXPECT_EQ(p.err, "");
+}
+
+TEST(CommandLine, WindowAndFullscreenChooseTheDisplayAndTheLastOneCounts) {
+    EXPECT_EQ(parse({"--window"}).options.display, LaunchOptions::DISPLAY_WINDOW);
+    EXPECT_EQ(parse({"--fullscreen"}).options.display, LaunchOptions::DISPLAY_FULLSCREEN);
+    EXPECT_EQ(parse({"--fullscreen", "--window"}).options.display, LaunchOptions::DISPLAY_WINDOW);
+    EXPECT_EQ(parse({"--window", "--fullscreen"}).options.display, LaunchOptions::DISPLAY_FULLSCREEN);
+    // Long options may be shortened while they stay unambiguous, as GNU programs allow.
+    EXPECT_EQ(parse({"--win"}).options.display, LaunchOptions::DISPLAY_WINDOW);
+    EXPECT_EQ(parse({"--window"}).outcome, CommandLine::RUN);
+}
+
+TEST(CommandLine, HelpPrintsTheUsageOnStandardOutputAndExits) {
+    for (const char* help : {"-h", "--help", "--he"}) {
+        const Parsed p = parse({help});
+        EXPECT_EQ(p.outcome, CommandLine::EXIT_OK) << help;
+        EXPECT_EQ(p.out, USAGE) << help;
+        EXPECT_EQ(p.err, "") << help;
+    }
+    // Help wins over the options around it.
+    EXPECT_EQ(parse({"--window", "--help", "--fullscreen"}).outcome, CommandLine::EXIT_OK);
+}
+
+TEST(CommandLine, VersionPrintsTheNameAndTheVersionAndExits) {
+    const Parsed p = parse({"--version"});
+    EXPECT_EQ(p.outcome, CommandLine::EXIT_OK);
+    EXPECT_EQ(p.out, std::string("nightvector ") + NIGHTVECTOR_VERSION + "\n");
+    EXPECT_EQ(p.err, "");
+}
+
+TEST(CommandLine, AnUnknownOptionIsAMistakeWithTheUsageOnStandardError) {
+    const Parsed p = parse({"--fly"});
+    EXPECT_EQ(p.outcome, CommandLine::EXIT_USAGE);
+    EXPECT_EQ(p.out, "");
+    EXPECT_EQ(p.err, "nightvector: invalid option '--fly'\n" + USAGE);
+    EXPECT_EQ(parse({"-x"}).err, "nightvector: invalid option '-x'\n" + USAGE);
+    // A value given to an option that takes none.
+    EXPECT_EQ(parse({"--window=yes"}).err, "nightvector: invalid option '--window=yes'\n" + USAGE);
+    // The mistake wins over a help that comes after it.
+    EXPECT_EQ(parse({"--fly", "--help"}).outcome, CommandLine::EXIT_USAGE);
+}
+
+TEST(CommandLine, DoubleDashEndsTheOptions) {
+    EXPECT_EQ(parse({"--"}).outcome, CommandLine::RUN);
+    EXPECT_EQ(parse({"--", "--window"}).err, "nightvector: unexpected argument '--window'\n" + USAGE);
+}
+
+TEST(CommandLine, AStrayArgumentIsAMistake) {
+    const Parsed p = parse({"--window", "level2"});
+    EXPECT_EQ(p.outcome, CommandLine::EXIT_USAGE);
+    EXPECT_EQ(p.err, "nightvector: unexpected argument 'level2'\n" + USAGE);
+}
+
+TEST(CommandLine, TheProgramIsNamedWithoutItsDirectory) {
+    EXPECT_EQ(parse({"--fly"}, "./nightvector").err.substr(0, 13), "nightvector: ");
+    EXPECT_EQ(parse({"--fly"}, "nv").err.substr(0, 4), "nv: ");
+    EXPECT_EQ(parse({"--fly"}, "").err.substr(0, 13), "nightvector: ");
+    EXPECT_EQ(CommandLine::usage("nv").substr(0, 20), "Usage: nv [OPTION]..");
+}
+
+TEST(CommandLine, ASecondParseStartsFromTheFirstArgumentAgain) {
+    parse({"--window", "--fullscreen"});
+    EXPECT_EQ(parse({"--window"}).options.display, LaunchOptions::DISPLAY_WINDOW);
+}
