@@ -58,11 +58,27 @@ unsigned GamepadControl::stickKeys(int16_t x, int16_t y) {
 }
 
 GamepadControl::GamepadControl()
-    : padAims(false), aimX(AIM_NEAR), aimY(0.0f), mouseSeenX(-1), mouseSeenY(-1), backSince(0), backFired(false) {}
+    : padAims(false), padLast(false), padButtons(0), aimX(AIM_NEAR), aimY(0.0f), mouseSeenX(-1), mouseSeenY(-1),
+      backSince(0), backFired(false) {}
+
+namespace {
+
+// Whether the snapshot holds a key or a mouse button the player pressed this frame, before the
+// pad writes its own into it.
+bool pressedByHand(const Orvel::GEvent* e) {
+    for (int i = 0; i < Orvel::GEvent::KEY_WORDS; ++i)
+        if (e->keys[i] & ~e->keysPrev[i]) return true;
+    return (e->buttons & ~e->buttonsPrev) != 0;
+}
+
+} // namespace
 
 void GamepadControl::apply(uint32_t realNow) {
     Orvel::GEvent* e = Orvel::events;
+    padButtons = 0;
     if (!e || (!Gamepad::present() && !Gamepad::used())) return;
+    const bool byHand = pressedByHand(e) || e->mouseX != mouseSeenX || e->mouseY != mouseSeenY;
+    const uint32_t buttonsBefore = e->buttons;
     int16_t resting[Gamepad::AXES];
     for (int i = 0; i < Gamepad::AXES; ++i) resting[i] = Gamepad::restingAxis(i);
     const GamepadLayout pad = detectLayout(Gamepad::axisCount(), Gamepad::buttonCount(), resting);
@@ -96,6 +112,8 @@ void GamepadControl::apply(uint32_t realNow) {
         backFired = true;
     }
 
+    padButtons = e->buttons & ~buttonsBefore;
+
     // The last one used owns the reticle: a moved mouse takes it back, a tilted stick takes it.
     // The snapshot holds the real pointer here, before this frame's aim is written over it.
     if (e->mouseX != mouseSeenX || e->mouseY != mouseSeenY) padAims = false;
@@ -104,7 +122,13 @@ void GamepadControl::apply(uint32_t realNow) {
     const float rx = (float)Gamepad::axis(pad.rightX) / FULL_TILT;
     const float ry = (float)Gamepad::axis(pad.rightY) / FULL_TILT;
     const float tilt = std::sqrt(rx * rx + ry * ry);
-    if (pad.rightX >= 0 && tilt >= DEAD_ZONE) {
+    const bool aiming = pad.rightX >= 0 && tilt >= DEAD_ZONE;
+    // Whichever was used last, the pad or the keyboard and mouse, names the pause's keys.
+    if (keys != 0 || padButtons != 0 || aiming || Gamepad::buttonDown(pad.start) || Gamepad::buttonDown(pad.back))
+        padLast = true;
+    else if (byHand)
+        padLast = false;
+    if (aiming) {
         const float reach = AIM_NEAR + (AIM_FAR - AIM_NEAR) * (std::fmin(tilt, 1.0f) - DEAD_ZONE) / (1.0f - DEAD_ZONE);
         aimX = rx / tilt * reach;
         aimY = ry / tilt * reach;

@@ -45,9 +45,15 @@ public:
     // and no pad event has come. `realNow` is SDL's tick count, which runs on through a pause.
     void apply(uint32_t realNow);
 
+    // Whether the pad holds mouse button `b` in this frame's snapshot (a trigger or a shoulder),
+    // rather than the mouse.
+    bool holdsButton(int b) const { return b >= 0 && b < 32 && (padButtons >> b) & 1; }
+
     bool padAims; // the right stick owns the reticle, until the mouse moves
+    bool padLast; // the pad was used more lately than the keyboard and the mouse
 
 private:
+    uint32_t padButtons;  // the mouse buttons the pad added to this frame's snapshot
     float aimX, aimY;     // the stick's last aim as a screen offset from the ship
     int mouseSeenX, mouseSeenY; // the real pointer in the last frame
     uint32_t backSince;   // real ms Back went down; 0 when it is up

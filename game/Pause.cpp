@@ -7,6 +7,7 @@
 #include "engine/PauseClock.h"
 #include "engine/WindowState.h"
 #include "game/Game.h"
+#include "game/GamepadControl.h"
 #include "game/Main.h"
 #include "game/Resources.h"
 #include "game/SoundEffects.h"
@@ -18,6 +19,9 @@ using orvel::PauseClock;
 
 Pause g_pause;
 
+const char* const Pause::KEYBOARD_HINT = "P to resume, Escape to quit";
+const char* const Pause::PAD_HINT = "Start to resume, hold Back to quit";
+
 namespace {
 
 // The hint's glyphs against the title's.
@@ -25,8 +29,12 @@ const float HINT_SCALE = 0.5f;
 // Screen pixels from the title's centre down to the hint's.
 const float HINT_GAP = 60.0f;
 
+// A mouse button clicked: one the pad holds for a trigger does not count, so that firing does
+// not end a pause the pad's Start began.
 bool anyButtonPressed() {
-    return Orvel::mousePressed(1) || Orvel::mousePressed(2) || Orvel::mousePressed(3);
+    for (int b = 1; b <= 3; ++b)
+        if (Orvel::mousePressed(b) && !g_gamepad.holdsButton(b)) return true;
+    return false;
 }
 
 } // namespace
@@ -74,9 +82,9 @@ void Pause::buildOverlay() {
     title = new Text(Resources::font_big, "Paused");
     title->setHotSpot(Center);
     title->position = orvel::vec3(cx, cy, 0.0f);
-    hint = new Text(Resources::font_big, "P to resume, Escape to quit");
+    hint = new Text(Resources::font_big, KEYBOARD_HINT);
     hint->fontSize *= HINT_SCALE;
-    hint->setText("P to resume, Escape to quit");
+    hint->setText(KEYBOARD_HINT);
     hint->setHotSpot(Center);
     hint->position = orvel::vec3(cx, cy + HINT_GAP, 0.0f);
     overlay->add(title);
@@ -85,6 +93,8 @@ void Pause::buildOverlay() {
 
 void Pause::drawOverlay() {
     if (!overlay) buildOverlay();
+    // Centred whatever its length, so the pad's words take the keyboard's place.
+    hint->setText(g_gamepad.padLast ? PAD_HINT : KEYBOARD_HINT);
     dim.draw();
     overlay->draw();
 }

@@ -1,5 +1,5 @@
 #pragma once
-// Pausing play: P pauses a running game and P or a mouse button resumes it; losing input focus or
+// Pausing play: P pauses a running game and P or a mouse click resumes it; losing input focus or
 // being minimised pauses too, and getting focus back does not resume. While paused the game
 // clock is held (engine PauseClock), the game's logic does not run, the music and the sound
 // effects are paused, and the frozen picture stays on screen under a dim layer with "Paused" and
@@ -19,12 +19,15 @@ public:
     static const uint32_t PAUSED_FRAME_MS = 50;
     // Opacity of the black layer over the frozen picture.
     static constexpr float DIM = 0.6f;
+    // The hint under "Paused": the keys, or the pad's buttons when the pad was used last.
+    static const char* const KEYBOARD_HINT;
+    static const char* const PAD_HINT;
 
     Pause();
 
     // Once a frame in play (runlevel 2), after Orvel's update and before the game's logic:
-    // pauses a running game on P or on a loss of focus, resumes on P or a mouse button. The intro
-    // and the game-over screen never pause.
+    // pauses a running game on P or on a loss of focus, resumes on P or a mouse click (a button the
+    // pad holds for a trigger is none). The intro and the game-over screen never pause.
     // `realNow` is SDL's tick count, which runs on through a pause.
     void update(uint32_t realNow);
     // Holds the clock, pauses the music and the effects and asks for the paused picture.
@@ -32,6 +35,8 @@ public:
     // Lets the clock run on and resumes the music and the effects.
     void leave(uint32_t realNow);
 
+    // The hint as the overlay last drew it; null before the first pause.
+    const Text* hintLine() const { return hint; }
     // The paused picture has to be drawn this frame: just paused, or the window was uncovered
     // or got its focus back.
     bool pictureDue() const { return paused && redraw; }

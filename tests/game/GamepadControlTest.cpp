@@ -9,11 +9,15 @@
 #include <SDL/SDL_keysym.h>
 
 #include "engine/Gamepad.h"
+#include "engine/Orvel.h"
+#include "engine/PauseClock.h"
 #include "game/GameSessions.h"
 #include "game/GamepadControl.h"
+#include "game/Pause.h"
 #include "game/Laser.h"
 #include "game/Plasma.h"
 #include "game/Player.h"
+#include "scene/Text.h"
 #include "tests/support/GameSession.h"
 #include "tests/support/XDriver.h"
 
@@ -269,4 +273,72 @@ TEST_F(GamepadControlTest, ThePadPlaysTheShipExactlyAsKeysAndMouseDo) {
     EXPECT_EQ(player->energy, keyboardEnergy);
     EXPECT_EQ((uint32_t)player->plasma->lastShot, plasmaShot);
     EXPECT_EQ((uint32_t)player->laser->lastShot, laserShot);
+}
+
+TEST_F(GamepadControlTest, APulledTriggerDoesNotEndAPauseAndAClickDoes) {
+    describeXbox();
+    axis(2, -32768);
+    axis(5, -32768);
+    readInput(1000);
+    g_pause.enter(1000);
+    // The right trigger holds the left button in the snapshot.
+    axis(5, 32767);
+    readInput(1016);
+    ASSERT_TRUE(Orvel::mousePressed(1));
+    EXPECT_TRUE(g_gamepad.holdsButton(1));
+    g_pause.update(1016);
+    EXPECT_TRUE(g_pause.paused);
+    axis(5, -32768);
+    readInput(1032);
+    g_pause.update(1032);
+    EXPECT_TRUE(g_pause.paused);
+    // A click of the mouse's own left button.
+    readInput(1048, LEFT_BUTTON);
+    EXPECT_FALSE(g_gamepad.holdsButton(1));
+    g_pause.update(1048);
+    EXPECT_FALSE(g_pause.paused);
+    g_pause.leave(1048);
+}
+
+TEST_F(GamepadControlTest, StartStillEndsAPause) {
+    describeXbox();
+    readInput(1000);
+    g_pause.enter(1000);
+    button(7, true);
+    readInput(1016);
+    g_pause.update(1016);
+    EXPECT_FALSE(g_pause.paused);
+    g_pause.leave(1016);
+}
+
+TEST_F(GamepadControlTest, ThePauseNamesThePadsButtonsWhenThePadWasUsedLast) {
+    describeXbox();
+    // Both triggers at rest.
+    axis(2, -32768);
+    axis(5, -32768);
+    readInput(1000);
+    EXPECT_FALSE(g_gamepad.padLast);
+    g_pause.drawOverlay();
+    EXPECT_STREQ(g_pause.hintLine()->text.getCString(), "P to resume, Escape to quit");
+    // The left stick steers.
+    axis(0, -32768);
+    readInput(1016);
+    EXPECT_TRUE(g_gamepad.padLast);
+    g_pause.drawOverlay();
+    EXPECT_STREQ(g_pause.hintLine()->text.getCString(), "Start to resume, hold Back to quit");
+    // The stick at rest changes nothing; a key pressed does.
+    axis(0, 0);
+    readInput(1032);
+    EXPECT_TRUE(g_gamepad.padLast);
+    readInput(1048, 0, 640, 360, SDLK_w);
+    EXPECT_FALSE(g_gamepad.padLast);
+    g_pause.drawOverlay();
+    EXPECT_STREQ(g_pause.hintLine()->text.getCString(), "P to resume, Escape to quit");
+    // The pad's trigger, then the mouse moved.
+    axis(5, 32767);
+    readInput(1064);
+    EXPECT_TRUE(g_gamepad.padLast);
+    axis(5, -32768);
+    readInput(1080, 0, 700, 300);
+    EXPECT_FALSE(g_gamepad.padLast);
 }
