@@ -1,8 +1,10 @@
 #include "game/MixerOutput.h"
 
+#include <cerrno>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 #include <SDL/SDL.h>
 #include <SDL/SDL_mixer.h>
@@ -43,7 +45,14 @@ void MixerOutput::load(const char* folder) {
         orvel::String path = folder;
         path += "/";
         path += s.file;
-        files[e] = Mix_LoadWAV(path.getCString());
+        // Opened here so that a file that cannot be opened is reported with the system's reason;
+        // the mixer would only say that it got no source.
+        FILE* file = fopen(path.getCString(), "rb");
+        if (!file) {
+            fprintf(stderr, "Could not load %s: %s\n", path.getCString(), strerror(errno));
+            continue;
+        }
+        files[e] = Mix_LoadWAV_RW(SDL_RWFromFP(file, 1), 1);
         if (!files[e]) {
             fprintf(stderr, "Could not load %s: %s\n", path.getCString(), Mix_GetError());
             continue;
