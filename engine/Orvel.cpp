@@ -167,6 +167,12 @@ void Orvel::init(int w, int h, const char* caption, bool full, bool vsync) {
     glHint(GL_TEXTURE_COMPRESSION_HINT, GL_NICEST);
 }
 
+bool Orvel::toggleFullscreen() {
+    if (!window || SDL_WM_ToggleFullScreen(window) == 0) return false;
+    fullscreen = !fullscreen;
+    return true;
+}
+
 void Orvel::quit() {
     if (events) {
         events->stop();

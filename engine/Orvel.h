@@ -74,6 +74,9 @@ public:
     // Sets the clock fields for a frame that ran from tick `last` to tick `current` (ms).
     static void setFrameTime(uint32_t last, uint32_t current);
 
+    // Switches between full screen and a window, keeping the GL context. False, with the mode as
+    // it was, when there is no window or the display refuses.
+    static bool toggleFullscreen();
     static void setAutoExit(bool value) { autoexit = value; }
     static bool getAutoExit() { return autoexit; }
     static int getScreenWidth() { return width; }

@@ -24,6 +24,7 @@
 #include "game/Starfield.h"
 #include "game/TextIndicator.h"
 #include "game/WorldWrap.h"
+#include "game/desktop/Settings.h"
 #include "scene/DirectScene2D.h"
 #include "scene/Group.h"
 #include "scene/ParticleSlice.h"
@@ -308,7 +309,8 @@ void Game::killEnemiesInRadius(vec2& centre, float radius) {
 }
 
 void Game::screenShake(float duration, float magnitude) {
-    shakeMagnitude = magnitude;
+    // With the shake turned off the camera keeps still; the timing stays for whatever reads it.
+    shakeMagnitude = g_settings.screenShake ? magnitude : 0.0f;
     shakeStart = now();
     shakeEnd = now() + duration;
 }

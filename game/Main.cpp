@@ -1,5 +1,6 @@
 #include "game/Main.h"
 
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
@@ -28,6 +29,8 @@
 #include "game/arcade/GameOverScreen.h"
 #include "game/arcade/IntroScores.h"
 #include "game/desktop/CommandLine.h"
+#include "game/desktop/DisplaySwitch.h"
+#include "game/desktop/Settings.h"
 #include "game/scores/ScoreFile.h"
 #include "scene/DirectScene2D.h"
 #include "scene/Fader.h"
@@ -77,12 +80,14 @@ const float INTRO_SPACING = 9;
 
 // The top-ten table over the intro (H); made at start-up.
 IntroScores* introScores = nullptr;
+// Where the settings are kept; null without a home.
+SettingsFile* settingsFile = nullptr;
 
 // The effects' chunks on the open device; g_sound plays through it once they are loaded.
 MixerOutput effectOutput;
 
 bool startInput() {
-    return Orvel::keyPressed(SDLK_RETURN) || Orvel::keyPressed(SDLK_SPACE) || Orvel::keyPressed(SDLK_KP_ENTER) ||
+    return DisplaySwitch::plainReturnPressed() || Orvel::keyPressed(SDLK_SPACE) || Orvel::keyPressed(SDLK_KP_ENTER) ||
            Orvel::mouseDown(1) || Orvel::mouseDown(2) || Orvel::mouseDown(3);
 }
 
@@ -183,7 +188,14 @@ void loadSoundEffects() {
 
 void startAudio() {
     // Without a device no mixer call is made for the effects at all.
-    if (loadMusic()) loadSoundEffects();
+    if (!loadMusic()) return;
+    loadSoundEffects();
+    applyVolumes();
+}
+
+void applyVolumes() {
+    Mix_VolumeMusic((int)std::lround((float)MIX_MAX_VOLUME * (float)g_settings.musicVolume / Settings::VOLUME_MAX));
+    effectOutput.setGain((float)g_settings.effectsVolume / Settings::VOLUME_MAX);
 }
 
 void shareOneHeap() { mallopt(M_ARENA_MAX, 1); }
@@ -229,6 +241,7 @@ void startUp(bool fullscreen) {
 
 void runFrameLogic() {
     g_gamepad.apply(SDL_GetTicks());
+    if (DisplaySwitch::requested()) DisplaySwitch::toggle(settingsFile);
     if (runlevel == RUNLEVEL_MENU) g_menu->update();
     if (runlevel == RUNLEVEL_GAME) {
         g_pause.update(SDL_GetTicks());
@@ -306,6 +319,21 @@ void runFrame() {
     runFrameLogic();
 }
 
+namespace {
+
+// The settings file's choices for this run, with the command line's over them.
+void loadSettings(const LaunchOptions& options) {
+    const std::string path = SettingsFile::defaultPath();
+    if (!path.empty()) {
+        settingsFile = new SettingsFile(path);
+        g_settings = settingsFile->load();
+    }
+    if (options.display == LaunchOptions::DISPLAY_WINDOW) g_settings.fullscreen = false;
+    if (options.display == LaunchOptions::DISPLAY_FULLSCREEN) g_settings.fullscreen = true;
+}
+
+} // namespace
+
 int runNightvector(int argc, char** argv) {
     LaunchOptions options;
     std::string out, err;
@@ -319,7 +347,8 @@ int runNightvector(int argc, char** argv) {
     case CommandLine::RUN:
         break;
     }
-    startUp(options.display != LaunchOptions::DISPLAY_WINDOW);
+    loadSettings(options);
+    startUp(g_settings.fullscreen);
     while (runlevel != RUNLEVEL_QUIT) runFrame();
     Orvel::quit();
     return 0;

@@ -51,8 +51,10 @@ bool loadMusic();
 // Loads the sound effects from sfx/ onto the open device and plays g_sound through them; each
 // file that will not load prints one line on standard error and stays silent.
 void loadSoundEffects();
-// loadMusic, then loadSoundEffects when the device opened.
+// loadMusic, then loadSoundEffects and applyVolumes when the device opened.
 void startAudio();
+// The music and the effects at the volumes g_settings holds: the mixer's full volume at 10.
+void applyVolumes();
 
 // Makes every thread allocate from the one main heap. The image decoder's freed memory then goes
 // back to the system with the trim at the end of loading, instead of staying in a heap of its own

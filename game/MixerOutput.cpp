@@ -13,7 +13,7 @@
 
 MixerOutput::MixerOutput()
     : files(), pitched(), buffers(), lengths(), frequency(MIX_DEFAULT_FREQUENCY), channelsPerFrame(2),
-      sixteenBit(false) {}
+      sixteenBit(false), effectGain(1.0f) {}
 
 MixerOutput::~MixerOutput() {
     freeAll();
@@ -111,7 +111,7 @@ void MixerOutput::play(const SoundPlay& p) {
     // Halting first also drops the channel's old panning; a sound at the centre needs none, so
     // the mixer's panning effect is only set up for placed sounds.
     Mix_HaltChannel(p.channel);
-    Mix_Volume(p.channel, p.volume);
+    Mix_Volume(p.channel, effectGain == 1.0f ? p.volume : (int)std::lround((float)p.volume * effectGain));
     if (p.left != 255 || p.right != 255) Mix_SetPanning(p.channel, p.left, p.right);
     Mix_PlayChannel(p.channel, c, p.loop ? -1 : 0);
 }

@@ -28,6 +28,10 @@ public:
     void pauseAll() override;
     void resumeAll() override;
 
+    // Every effect's volume from now on is its own times `gain` (0 to 1; 1 as loaded).
+    void setGain(float gain) { effectGain = gain; }
+    float gain() const { return effectGain; }
+
     // The chunk of `variant` of `effect`; null when the effect did not load.
     Mix_Chunk* chunk(SoundEffect effect, int variant) const {
         return pitched[effect][variant] ? pitched[effect][variant] : files[effect];
@@ -50,4 +54,5 @@ private:
     int frequency;
     int channelsPerFrame;
     bool sixteenBit;
+    float effectGain;
 };

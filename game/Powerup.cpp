@@ -12,6 +12,7 @@
 #include "game/ScoreCounter.h"
 #include "game/SoundEffects.h"
 #include "game/TextIndicator.h"
+#include "game/desktop/ScreenFlash.h"
 #include "scene/Fader.h"
 #include "scene/Group.h"
 #include "scene/Scene2D.h"
@@ -172,10 +173,7 @@ void Powerup::collect() {
         g_sound.play(SFX_MEGANUKE);
         if (player) g_game->killEnemiesInRadius(player->position, g_rand.randf(720.0f, 820.0f));
         const float d = g_rand.randf(950.0f, 1250.0f);
-        if (g_fader) {
-            g_fader->color = vec4(1.0f, 1.0f, 1.0f, 1.0f);
-            g_fader->fadeIn((unsigned)d);
-        }
+        if (g_fader) ScreenFlash::flash(*g_fader, vec4(1.0f, 1.0f, 1.0f, 1.0f), (unsigned)d);
         g_game->screenShake(d, d / 5.0f);
         message = "Free MegaNuke";
         break;

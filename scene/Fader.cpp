@@ -23,6 +23,10 @@ void Fader::fadeIn(unsigned int ms) {
     start(1.0f, 0.0f, ms);
 }
 
+void Fader::fadeInFrom(float opacity, unsigned int ms) {
+    start(opacity, 0.0f, ms);
+}
+
 void Fader::start(float fromOpacity, float toOpacity, unsigned int ms) {
     if (ms == 0) ms = DEFAULT_FADE_MS;
     from = fromOpacity;

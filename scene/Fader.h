@@ -15,6 +15,8 @@ public:
     void fadeOut(unsigned int ms);
     // Opacity eases from 1 to 0 over `ms` (0 means 1000) starting now: the cover goes away.
     void fadeIn(unsigned int ms);
+    // The same from `opacity` instead of 1: a flash that never covers the whole picture.
+    void fadeInFrom(float opacity, unsigned int ms);
     // True once the current time is past endTime.
     bool done() const;
     // Recomputes `current` for the current time and covers the screen with it. Loads identity

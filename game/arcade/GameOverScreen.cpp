@@ -12,6 +12,7 @@
 #include "game/Resources.h"
 #include "game/ScoreCounter.h"
 #include "game/arcade/ScoreTableView.h"
+#include "game/desktop/DisplaySwitch.h"
 #include "game/scores/PlayerName.h"
 #include "game/scores/ScoreFile.h"
 #include "scene/DirectScene2D.h"
@@ -68,7 +69,7 @@ void GameOverScreen::update() {
     case NAME_ENTRY:
         typeName();
         // The pad's Start holds Return in the frame's keys without typing it.
-        if (current == NAME_ENTRY && (Orvel::keyPressed(SDLK_RETURN) || Orvel::keyPressed(SDLK_KP_ENTER)))
+        if (current == NAME_ENTRY && (DisplaySwitch::plainReturnPressed() || Orvel::keyPressed(SDLK_KP_ENTER)))
             confirmName();
         break;
     case TABLE:
@@ -124,6 +125,8 @@ void GameOverScreen::typeName() {
     TypedKeys::Key key;
     bool typed = false;
     while (TypedKeys::take(key)) {
+        // Alt+Return switches the display; it does not confirm the name.
+        if (key.sym == SDLK_RETURN && DisplaySwitch::altHeld()) continue;
         if (entry->type(key.sym, key.character)) {
             confirmName();
             return;
@@ -165,7 +168,7 @@ void GameOverScreen::refreshTable() {
 }
 
 bool GameOverScreen::newGameInput() const {
-    return Orvel::keyPressed(SDLK_RETURN) || Orvel::keyPressed(SDLK_SPACE) || Orvel::keyPressed(SDLK_KP_ENTER) ||
+    return DisplaySwitch::plainReturnPressed() || Orvel::keyPressed(SDLK_SPACE) || Orvel::keyPressed(SDLK_KP_ENTER) ||
            Orvel::mousePressed(1) || Orvel::mousePressed(2) || Orvel::mousePressed(3);
 }
 

@@ -1,16 +1,19 @@
 // The real program's command line: --help and --version answer and exit, a mistake exits 2 with
 // the usage on standard error and starts nothing, --window plays in a window on a larger screen.
+// Its settings: the file's display choice, Alt+Return kept in the file, a damaged file.
 
 #include <csignal>
 #include <cstdio>
 #include <string>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
 
+#include "tests/support/FileChecks.h"
 #include "tests/support/GameProcess.h"
 
 using e2e::GameProcess;
@@ -19,6 +22,8 @@ using e2e::Surroundings;
 namespace {
 
 const char* const USAGE_START = "Usage: nightvector [OPTION]...\n";
+
+std::string runOn(const std::string& display, const std::string& command);
 
 // An X server of its own with a 1920 x 1080 screen, for as long as the object lives.
 class LargeScreen {
@@ -32,8 +37,10 @@ public:
             const int quiet = open("/dev/null", O_WRONLY);
             dup2(quiet, 2);
             const std::string fd = std::to_string(fds[1]);
+            // -noreset: without it the server starts over whenever its last client leaves, and a
+            // client that comes meanwhile is turned away.
             execlp("Xvfb", "Xvfb", "-displayfd", fd.c_str(), "-screen", "0", "1920x1080x24", "-nolisten", "tcp",
-                   (char*)nullptr);
+                   "-noreset", (char*)nullptr);
             _exit(127);
         }
         close(fds[1]);
@@ -42,6 +49,12 @@ public:
         FILE* in = fdopen(fds[0], "r");
         if (in && fgets(number, sizeof number, in)) display = ":" + std::string(number, strcspn(number, "\n"));
         if (in) fclose(in);
+        // Taken as ready once a client sees its screen.
+        for (int tries = 0; !display.empty() && tries < 50; ++tries) {
+            if (runOn(display, "xdotool getdisplaygeometry 2>/dev/null") == "1920 1080\n") return;
+            e2e::pause(100);
+        }
+        display.clear();
     }
     ~LargeScreen() {
         if (pid > 0) {
@@ -133,4 +146,81 @@ TEST(CommandLine, WindowPlaysIn1280By720OnALargerScreenAndFullScreenCoversTheScr
         EXPECT_EQ(game.waitForExit(), 0) << option;
         runOn(screen.display, "xdotool keyup Escape");
     }
+}
+
+namespace {
+
+// Whether a window covers the whole 1920 x 1080 screen: full screen, which surrounds the game's
+// 1280 x 720 window with black.
+bool screenCovered(const std::string& display) {
+    return runOn(display, "xwininfo -root -children | grep -c ' 1920x1080+0+0 '") == "1\n";
+}
+
+// Writes `text` as the settings file of the run in `dir`.
+void putSettings(Surroundings& dir, const std::string& text) {
+    for (const char* folder : {"home", "home/config", "home/config/nightvector"})
+        mkdir((dir.path() + "/" + folder).c_str(), 0700);
+    dir.writeFile("home/config/nightvector/settings", text);
+}
+
+const char* const WINDOWED = "nightvector settings 1\ndisplay = window\n";
+
+} // namespace
+
+TEST(Settings, TheFilesWindowIsUsedAndAltReturnSwitchesToFullScreenAndKeepsIt) {
+    LargeScreen screen;
+    ASSERT_FALSE(screen.display.empty()) << "no Xvfb";
+    Surroundings dir;
+    dir.linkData();
+    putSettings(dir, WINDOWED);
+    GameProcess game(dir.path(), {"DISPLAY=" + screen.display});
+    ASSERT_TRUE(game.waitForOutput("megabytes\n")) << game.errors();
+    EXPECT_FALSE(screenCovered(screen.display));
+    runOn(screen.display, "xdotool keydown alt keydown Return; sleep 0.5; xdotool keyup Return keyup alt");
+    bool covered = false;
+    for (int waited = 0; waited < 5000 && !covered; waited += 100) {
+        covered = screenCovered(screen.display);
+        if (!covered) e2e::pause(100);
+    }
+    EXPECT_TRUE(covered);
+    // Still on the intro: Alt+Return started nothing.
+    runOn(screen.display, "xdotool keydown Escape");
+    EXPECT_EQ(game.waitForExit(), 0);
+    runOn(screen.display, "xdotool keyup Escape");
+    EXPECT_EQ(testing_support::fileContents(dir.path() + "/home/config/nightvector/settings"),
+              "nightvector settings 1\n"
+              "music-volume = 10\n"
+              "effects-volume = 10\n"
+              "display = fullscreen\n"
+              "screen-shake = on\n"
+              "flashes = full\n"
+              "frame-cap = display\n");
+    EXPECT_EQ(game.errors(), "");
+}
+
+TEST(Settings, TheCommandLineOverridesTheFileForThisRunOnly) {
+    LargeScreen screen;
+    ASSERT_FALSE(screen.display.empty()) << "no Xvfb";
+    Surroundings dir;
+    dir.linkData();
+    putSettings(dir, WINDOWED);
+    GameProcess game(dir.path(), {"DISPLAY=" + screen.display}, {"--fullscreen"});
+    ASSERT_TRUE(game.waitForOutput("megabytes\n")) << game.errors();
+    EXPECT_TRUE(screenCovered(screen.display));
+    runOn(screen.display, "xdotool keydown Escape");
+    EXPECT_EQ(game.waitForExit(), 0);
+    runOn(screen.display, "xdotool keyup Escape");
+    EXPECT_EQ(testing_support::fileContents(dir.path() + "/home/config/nightvector/settings"), WINDOWED);
+}
+
+TEST(Settings, ADamagedFileSaysWhyAndTheGameStartsWithTheDefaults) {
+    Surroundings dir;
+    dir.linkData();
+    putSettings(dir, "nightvector settings 1\nmusic-volume = loud\n");
+    GameProcess game(dir.path());
+    ASSERT_TRUE(game.waitForOutput("megabytes\n")) << game.errors();
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0);
+    EXPECT_EQ(game.errors(), "Settings file " + dir.path() +
+                                 "/home/config/nightvector/settings: line 2: bad value 'loud' for music-volume, the "
+                                 "default is kept\n");
 }

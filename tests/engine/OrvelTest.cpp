@@ -292,6 +292,34 @@ TEST_F(OrvelWindowTest, QuitAfterWindowedInitDoesNotToggle) {
     EXPECT_EQ(g_calls, std::vector<std::string>{"SDL_Quit"});
 }
 
+TEST_F(OrvelWindowTest, ToggleFullscreenSwitchesTheModeBothWaysAndQuitLeavesFullScreen) {
+    Orvel::init(640, 480, "Toggle", false, true);
+    g_recording = true;
+    ASSERT_TRUE(Orvel::toggleFullscreen());
+    EXPECT_TRUE(Orvel::fullscreen);
+    EXPECT_TRUE(SDL_GetVideoSurface()->flags & SDL_FULLSCREEN);
+    ASSERT_TRUE(Orvel::toggleFullscreen());
+    EXPECT_FALSE(Orvel::fullscreen);
+    EXPECT_FALSE(SDL_GetVideoSurface()->flags & SDL_FULLSCREEN);
+    ASSERT_TRUE(Orvel::toggleFullscreen());
+    // Still drawable: a cleared frame shows.
+    glClearColor(0, 1, 0, 1);
+    glClear(GL_COLOR_BUFFER_BIT);
+    unsigned char pixel[4] = {};
+    glReadPixels(10, 10, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, pixel);
+    EXPECT_EQ(pixel[1], 255);
+    Orvel::quit();
+    EXPECT_EQ(g_calls, (std::vector<std::string>{"SDL_WM_ToggleFullScreen:window", "SDL_WM_ToggleFullScreen:window",
+                                                 "SDL_WM_ToggleFullScreen:window", "SDL_WM_ToggleFullScreen:window",
+                                                 "SDL_Quit"}));
+}
+
+TEST(OrvelToggle, WithoutAWindowThereIsNothingToToggle) {
+    const bool before = Orvel::fullscreen;
+    EXPECT_FALSE(Orvel::toggleFullscreen());
+    EXPECT_EQ(Orvel::fullscreen, before);
+}
+
 TEST_F(OrvelWindowTest, QuitResetsStateButKeepsFullScreenFlagAndFrameCount) {
     Orvel::init(640, 480, "Reset", false, true);
     Orvel::update();

@@ -17,6 +17,7 @@
 #include "game/Main.h"
 #include "game/MixerOutput.h"
 #include "game/SoundEffects.h"
+#include "game/desktop/Settings.h"
 #include "tests/support/AudioDirectory.h"
 
 namespace {
@@ -245,6 +246,44 @@ TEST_F(MixerOutputTest, StartingWithADeviceLoadsTheEffectsSilently) {
     EXPECT_EQ(frequency, 44100);
     EXPECT_EQ(format, AUDIO_S16LSB);
     EXPECT_EQ(channels, 2);
+}
+
+TEST_F(MixerOutputTest, TheEffectsGainScalesEveryVolumePlayedFromThen) {
+    openAudio();
+    SDL_PauseAudio(1);
+    linkEffects();
+    EXPECT_EQ(errorsOfLoad(), "");
+    EXPECT_EQ(output->gain(), 1.0f);
+    output->setGain(0.5f);
+    output->play(SoundPlay{9, SFX_LARGE_EXPLOSION, 0, false, 77, 255, 255});
+    // 38.5 rounds away from zero.
+    EXPECT_EQ(Mix_Volume(9, -1), 39);
+    output->setGain(0.0f);
+    output->play(SoundPlay{9, SFX_PLAYER_HIT, 0, false, 128, 255, 255});
+    EXPECT_EQ(Mix_Volume(9, -1), 0);
+}
+
+TEST_F(MixerOutputTest, StartingTheAudioSetsTheVolumesTheSettingsHold) {
+    linkEffects();
+    linkSound("music1.ogg");
+    const Settings saved = g_settings;
+    g_settings.musicVolume = 5;
+    g_settings.effectsVolume = 3;
+    startAudio();
+    g_settings = saved;
+    // Half of the mixer's 128.
+    EXPECT_EQ(Mix_VolumeMusic(-1), 64);
+    ASSERT_NE(g_sound.output(), nullptr);
+    EXPECT_FLOAT_EQ(static_cast<MixerOutput*>(g_sound.output())->gain(), 0.3f);
+}
+
+TEST_F(MixerOutputTest, AtTheDefaultVolumesTheMixIsAsLoaded) {
+    linkEffects();
+    linkSound("music1.ogg");
+    ASSERT_TRUE(g_settings == Settings());
+    startAudio();
+    EXPECT_EQ(Mix_VolumeMusic(-1), MIX_MAX_VOLUME);
+    EXPECT_EQ(static_cast<MixerOutput*>(g_sound.output())->gain(), 1.0f);
 }
 
 TEST_F(MixerOutputTest, WithoutADeviceNoMixerCallIsMadeForEffects) {
