@@ -30,6 +30,7 @@ uint32_t Orvel::tm_last = 0;
 uint32_t Orvel::framenum = 0;
 bool Orvel::autoexit = true;
 Orvel::GEvent* Orvel::events = nullptr;
+FramePacer Orvel::pacer;
 
 namespace {
 
@@ -222,6 +223,7 @@ void Orvel::update() {
     WindowState::update();
     Gamepad::update();
     SDL_GL_SwapBuffers();
+    pacer.frameDone();
     ++framenum;
 }
 

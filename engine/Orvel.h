@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+#include "engine/FramePacer.h"
+
 struct SDL_Surface;
 struct SDL_Thread;
 
@@ -63,13 +65,16 @@ public:
     static uint32_t framenum;     // update calls since start, never reset
     static bool autoexit;         // a window-close request ends the program inside update
     static GEvent* events;        // owned; created by init, destroyed by quit
+    static FramePacer pacer;      // holds the frames to its cap where the display does not; no cap
+                                  // until one is set
 
     // Opens the window: sizes below 1 become 640 x 480, a null title "Demo". Exits the process
     // with status 1 when SDL cannot start.
     static void init(int width, int height, const char* title, bool fullscreen, bool vsync);
     // Stops the event thread, leaves full-screen mode, shuts SDL down; init may follow again.
     static void quit();
-    // Ends a frame: measures it, snapshots the input, swaps the buffers.
+    // Ends a frame: measures it, snapshots the input, swaps the buffers, and where the pacer
+    // has a cap and the swap does not wait for the display, sleeps until the next frame is due.
     static void update();
     // Sets the clock fields for a frame that ran from tick `last` to tick `current` (ms).
     static void setFrameTime(uint32_t last, uint32_t current);

@@ -10,6 +10,7 @@
 #include <SDL/SDL.h>
 #include <SDL/SDL_mixer.h>
 
+#include "engine/DisplayRate.h"
 #include "engine/GL.h"
 #include "engine/Gamepad.h"
 #include "engine/Orvel.h"
@@ -235,6 +236,10 @@ void startUp(bool fullscreen) {
     g_gameOver = new GameOverScreen(scores);
     startAudio();
 
+    // Loading runs as fast as it can; from the intro on, frames come at most at the cap.
+    Orvel::pacer.setCap(g_settings.frameCap == Settings::FRAME_CAP_DISPLAY ? DisplayRate::refreshHz()
+                                                                           : g_settings.frameCap);
+
     printf("Used texture memory: %f megabytes\n", (double)((float)Texture::usedMemory * (1.0f / 1048576.0f)));
     fflush(stdout);
 }
@@ -330,6 +335,7 @@ void loadSettings(const LaunchOptions& options) {
     }
     if (options.display == LaunchOptions::DISPLAY_WINDOW) g_settings.fullscreen = false;
     if (options.display == LaunchOptions::DISPLAY_FULLSCREEN) g_settings.fullscreen = true;
+    if (options.frameCap >= 0) g_settings.frameCap = options.frameCap;
 }
 
 } // namespace

@@ -1,19 +1,33 @@
 #include "game/desktop/CommandLine.h"
 
+#include <cstdlib>
 #include <cstring>
 #include <getopt.h>
 
+#include "game/desktop/Settings.h"
+
 namespace {
 
-enum OptionCode { OPTION_WINDOW = 256, OPTION_FULLSCREEN, OPTION_VERSION };
+enum OptionCode { OPTION_WINDOW = 256, OPTION_FULLSCREEN, OPTION_FRAME_CAP, OPTION_VERSION };
 
 const struct option OPTIONS[] = {
     {"window", no_argument, nullptr, OPTION_WINDOW},
     {"fullscreen", no_argument, nullptr, OPTION_FULLSCREEN},
+    {"frame-cap", required_argument, nullptr, OPTION_FRAME_CAP},
     {"help", no_argument, nullptr, 'h'},
     {"version", no_argument, nullptr, OPTION_VERSION},
     {nullptr, 0, nullptr, 0},
 };
+
+// A whole number from 0 to Settings::FRAME_CAP_MAX in decimal digits alone.
+bool readFrameCap(const char* text, int& cap) {
+    const size_t length = strlen(text);
+    if (length == 0 || length > 4 || strspn(text, "0123456789") != length) return false;
+    const int value = atoi(text);
+    if (value > Settings::FRAME_CAP_MAX) return false;
+    cap = value;
+    return true;
+}
 
 } // namespace
 
@@ -26,10 +40,13 @@ std::string CommandLine::usage(const char* program) {
            "\n"
            "  --window          play in a 1280 x 720 window\n"
            "  --fullscreen      play on the whole screen\n"
+           "  --frame-cap N     at most N frames a second where the display does not pace\n"
+           "                    them (0 for no cap; the display's refresh rate without it)\n"
            "  -h, --help        show this help and exit\n"
            "      --version     show the version and exit\n"
            "\n"
-           "Without options the game starts on the whole screen.\n";
+           "Without options the game starts as the settings say, on the whole screen unless they say\n"
+           "otherwise. The options hold for this run and are not saved.\n";
 }
 
 CommandLine::Outcome CommandLine::parse(int argc, char** argv, LaunchOptions& options, std::string& out,
@@ -52,6 +69,14 @@ CommandLine::Outcome CommandLine::parse(int argc, char** argv, LaunchOptions& op
             break;
         case OPTION_FULLSCREEN:
             options.display = LaunchOptions::DISPLAY_FULLSCREEN;
+            break;
+        case OPTION_FRAME_CAP:
+            if (!readFrameCap(optarg, options.frameCap))
+                mistake = std::string("invalid frame cap '") + optarg + "': a whole number from 0 to " +
+                          std::to_string(Settings::FRAME_CAP_MAX) + " is needed";
+            break;
+        case ':':
+            mistake = std::string("option '") + argv[optind - 1] + "' needs a value";
             break;
         case 'h':
             out = usage(program);

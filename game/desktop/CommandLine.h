@@ -1,6 +1,6 @@
 #pragma once
-// The program's command line, GNU style: --window, --fullscreen, --help and --version. With no
-// arguments the game starts as it always has.
+// The program's command line, GNU style: --window, --fullscreen, --frame-cap N, --help and
+// --version. With no arguments the game starts as it always has.
 
 #include <string>
 
@@ -12,6 +12,9 @@ struct LaunchOptions {
         DISPLAY_FULLSCREEN, // the whole screen
     };
     Display display = DISPLAY_UNSET;
+    // Frames a second at most where the display does not pace them, 0 for no cap; -1 when the
+    // command line does not say.
+    int frameCap = -1;
 };
 
 class CommandLine {

@@ -13,6 +13,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/DamageCounter.h"
 #include "tests/support/FileChecks.h"
 #include "tests/support/GameProcess.h"
 
@@ -223,4 +224,38 @@ TEST(Settings, ADamagedFileSaysWhyAndTheGameStartsWithTheDefaults) {
     EXPECT_EQ(game.errors(), "Settings file " + dir.path() +
                                  "/home/config/nightvector/settings: line 2: bad value 'loud' for music-volume, the "
                                  "default is kept\n");
+}
+
+TEST(FrameCap, WithoutVerticalSyncTheIntroComesAtMostAtTheCap) {
+    Surroundings dir;
+    dir.linkData();
+    GameProcess game(dir.path(), {}, {"--frame-cap", "30"});
+    ASSERT_TRUE(game.waitForOutput("megabytes\n")) << game.errors();
+    // Past the intro's fade-in from white, and past the frames that show the pacer the swap
+    // does not wait.
+    e2e::pause(1500);
+    e2e::DamageCounter counter;
+    ASSERT_TRUE(counter.ok());
+    const int frames = counter.countFor(3000);
+    // 30 a second for 3 s, and 5 % more.
+    EXPECT_LE(frames, 94) << frames;
+    // A game that draws nothing would pass the bound too.
+    EXPECT_GE(frames, 10) << frames;
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0);
+    printf("%d frames in 3 s at a cap of 30\n", frames);
+}
+
+TEST(FrameCap, AtACapOfZeroTheFramesAreNotHeld) {
+    Surroundings dir;
+    dir.linkData();
+    GameProcess game(dir.path(), {}, {"--frame-cap", "0"});
+    ASSERT_TRUE(game.waitForOutput("megabytes\n")) << game.errors();
+    e2e::pause(1500);
+    e2e::DamageCounter counter;
+    ASSERT_TRUE(counter.ok());
+    const int frames = counter.countFor(3000);
+    // How many depends on the machine; only that it draws is certain.
+    EXPECT_GE(frames, 10) << frames;
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0);
+    printf("%d frames in 3 s without a cap\n", frames);
 }

@@ -32,7 +32,7 @@ ICON_SIZES = (64, 128, 256)
 DATA_FOLDERS = ("gfx", "sfx", "shaders")
 # Libraries the program links, as dpkg-shlibdeps names their packages on Debian 12.
 DEPENDS = ["libc6", "libgcc-s1", "libgl1", "libsdl-image1.2", "libsdl-mixer1.2", "libsdl1.2debian",
-           "libstdc++6"]
+           "libstdc++6", "libx11-6", "libxrandr2"]
 MANUAL_SECTIONS = ["NAME", "SYNOPSIS", "DESCRIPTION", "OPTIONS", "CONTROLS", "AFTER GAME OVER", "GAMEPAD", "FILES",
                    "SCREENSHOTS", "EXIT STATUS", "ENVIRONMENT", "DIAGNOSTICS"]
 

@@ -34,10 +34,13 @@ const std::string USAGE = "Usage: nightvector [OPTION]...\n"
                           "\n"
                           "  --window          play in a 1280 x 720 window\n"
                           "  --fullscreen      play on the whole screen\n"
+                          "  --frame-cap N     at most N frames a second where the display does not pace\n"
+                          "                    them (0 for no cap; the display's refresh rate without it)\n"
                           "  -h, --help        show this help and exit\n"
                           "      --version     show the version and exit\n"
                           "\n"
-                          "Without options the game starts on the whole screen.\n";
+                          "Without options the game starts as the settings say, on the whole screen unless they say\n"
+                          "otherwise. The options hold for this run and are not saved.\n";
 
 } // namespace
 
@@ -45,6 +48,7 @@ TEST(CommandLine, NoArgumentsRunTheGameAsAlways) {
     const Parsed p = parse({});
     EXPECT_EQ(p.outcome, CommandLine::RUN);
     EXPECT_EQ(p.options.display, LaunchOptions::DISPLAY_UNSET);
+    EXPECT_EQ(p.options.frameCap, -1);
     EXPECT_EQ(p.out, "");
     EXPECT_EQ(p.err, "");
 }
@@ -57,6 +61,30 @@ TEST(CommandLine, WindowAndFullscreenChooseTheDisplayAndTheLastOneCounts) {
     // Long options may be shortened while they stay unambiguous, as GNU programs allow.
     EXPECT_EQ(parse({"--win"}).options.display, LaunchOptions::DISPLAY_WINDOW);
     EXPECT_EQ(parse({"--window"}).outcome, CommandLine::RUN);
+}
+
+TEST(CommandLine, FrameCapTakesAWholeNumberFromZeroToAThousand) {
+    EXPECT_EQ(parse({"--frame-cap", "30"}).options.frameCap, 30);
+    EXPECT_EQ(parse({"--frame-cap=0"}).options.frameCap, 0);
+    EXPECT_EQ(parse({"--frame-cap", "1000"}).options.frameCap, 1000);
+    const Parsed both = parse({"--window", "--frame-cap", "144"});
+    EXPECT_EQ(both.outcome, CommandLine::RUN);
+    EXPECT_EQ(both.options.display, LaunchOptions::DISPLAY_WINDOW);
+    EXPECT_EQ(both.options.frameCap, 144);
+}
+
+TEST(CommandLine, ABadFrameCapIsAMistakeThatSaysWhatIsNeeded) {
+    for (const char* bad : {"-1", "abc", "1001", "", "12.5", "+5", " 5", "99999999999"}) {
+        const Parsed p = parse({"--frame-cap", bad});
+        EXPECT_EQ(p.outcome, CommandLine::EXIT_USAGE) << bad;
+        EXPECT_EQ(p.err, std::string("nightvector: invalid frame cap '") + bad +
+                             "': a whole number from 0 to 1000 is needed\n" + USAGE)
+            << bad;
+        EXPECT_EQ(p.out, "") << bad;
+    }
+    const Parsed missing = parse({"--frame-cap"});
+    EXPECT_EQ(missing.outcome, CommandLine::EXIT_USAGE);
+    EXPECT_EQ(missing.err, "nightvector: option '--frame-cap' needs a value\n" + USAGE);
 }
 
 TEST(CommandLine, HelpPrintsTheUsageOnStandardOutputAndExits) {
