@@ -32,6 +32,7 @@
 #include "game/desktop/CommandLine.h"
 #include "game/desktop/DisplaySwitch.h"
 #include "game/desktop/Settings.h"
+#include "game/desktop/SettingsPanel.h"
 #include "game/scores/ScoreFile.h"
 #include "scene/DirectScene2D.h"
 #include "scene/Fader.h"
@@ -355,6 +356,7 @@ int runNightvector(int argc, char** argv) {
     }
     loadSettings(options);
     startUp(g_settings.fullscreen);
+    g_pause.panel = new SettingsPanel(settingsFile);
     while (runlevel != RUNLEVEL_QUIT) runFrame();
     Orvel::quit();
     return 0;

@@ -11,6 +11,7 @@
 #include "game/Main.h"
 #include "game/Resources.h"
 #include "game/SoundEffects.h"
+#include "game/desktop/SettingsPanel.h"
 #include "scene/DirectScene2D.h"
 #include "scene/Text.h"
 
@@ -29,9 +30,11 @@ const float HINT_SCALE = 0.5f;
 // Screen pixels from the title's centre down to the hint's.
 const float HINT_GAP = 60.0f;
 
-// A mouse button clicked: one the pad holds for a trigger does not count, so that firing does
-// not end a pause the pad's Start began.
-bool anyButtonPressed() {
+// A mouse button clicked off the settings panel: one the pad holds for a trigger does not count,
+// so that firing does not end a pause the pad's Start began, and a click on the panel changes a
+// setting instead.
+bool clickOutsidePanel() {
+    if (SettingsPanel::contains(Orvel::mouseX(), Orvel::mouseY())) return false;
     for (int b = 1; b <= 3; ++b)
         if (Orvel::mousePressed(b) && !g_gamepad.holdsButton(b)) return true;
     return false;
@@ -39,7 +42,8 @@ bool anyButtonPressed() {
 
 } // namespace
 
-Pause::Pause() : paused(false), redraw(false), dim(), overlay(nullptr), title(nullptr), hint(nullptr) {
+Pause::Pause()
+    : panel(nullptr), paused(false), redraw(false), dim(), overlay(nullptr), title(nullptr), hint(nullptr) {
     // Held at DIM: a fade that ended long ago at the same opacity it started from.
     dim.from = dim.to = dim.current = DIM;
     dim.startTime = dim.endTime = 0;
@@ -53,7 +57,8 @@ void Pause::update(uint32_t realNow) {
         return;
     }
     if (orvel::WindowState::exposed()) redraw = true;
-    if (Orvel::keyPressed(SDLK_p) || anyButtonPressed()) leave(realNow);
+    if (panel && panel->update()) redraw = true;
+    if (Orvel::keyPressed(SDLK_p) || clickOutsidePanel()) leave(realNow);
 }
 
 void Pause::enter(uint32_t realNow) {
@@ -97,4 +102,5 @@ void Pause::drawOverlay() {
     hint->setText(g_gamepad.padLast ? PAD_HINT : KEYBOARD_HINT);
     dim.draw();
     overlay->draw();
+    if (panel) panel->draw();
 }

@@ -1,16 +1,18 @@
 #pragma once
-// Pausing play: P pauses a running game and P or a mouse click resumes it; losing input focus or
-// being minimised pauses too, and getting focus back does not resume. While paused the game
-// clock is held (engine PauseClock), the game's logic does not run, the music and the sound
-// effects are paused, and the frozen picture stays on screen under a dim layer with "Paused" and
-// a hint. The main loop then draws only when the picture may be gone and otherwise waits, about
-// twenty times a second, for the input that ends the pause.
+// Pausing play: P pauses a running game and P or a mouse click off the settings panel resumes
+// it; losing input focus or being minimised pauses too, and getting focus back does not resume.
+// While paused the game clock is held (engine PauseClock), the game's logic does not run, the
+// music and the sound effects are paused, and the frozen picture stays on screen under a dim
+// layer with "Paused", a hint and the settings. The main loop then draws only when the picture
+// may be gone or the settings changed, and otherwise waits, about twenty times a second, for
+// input.
 
 #include <cstdint>
 
 #include "scene/Fader.h"
 
 class DirectScene2D;
+class SettingsPanel;
 class Text;
 
 class Pause {
@@ -26,8 +28,9 @@ public:
     Pause();
 
     // Once a frame in play (runlevel 2), after Orvel's update and before the game's logic:
-    // pauses a running game on P or on a loss of focus, resumes on P or a mouse click (a button the
-    // pad holds for a trigger is none). The intro and the game-over screen never pause.
+    // pauses a running game on P or on a loss of focus, resumes on P or a mouse click off the
+    // settings panel (a button the pad holds for a trigger is none); the panel takes the rest of
+    // the input. The intro and the game-over screen never pause.
     // `realNow` is SDL's tick count, which runs on through a pause.
     void update(uint32_t realNow);
     // Holds the clock, pauses the music and the effects and asks for the paused picture.
@@ -45,6 +48,8 @@ public:
     // The picture was drawn and shown.
     void pictureShown() { redraw = false; }
 
+    // The settings under the lines; none until the program gives it one (tests pause without).
+    SettingsPanel* panel;
     bool paused;
 
 private:
