@@ -10,7 +10,7 @@ BUILD_TYPE ?= RelWithDebInfo
 JOBS       ?= $(shell nproc)
 
 BUILD_PACKAGES := g++ make cmake pkg-config libsdl1.2-dev libsdl-image1.2-dev libsdl-mixer1.2-dev libgl-dev libx11-dev libxrandr-dev
-TEST_PACKAGES  := libgtest-dev libbenchmark-dev xvfb xdotool x11-utils libxdamage-dev libgl1-mesa-dri python3 python3-pil python3-numpy python3-soundfile fonts-dejavu-core dpkg-dev file lintian desktop-file-utils man-db
+TEST_PACKAGES  := libgtest-dev libbenchmark-dev xvfb xdotool x11-utils libxdamage-dev libgl1-mesa-dri python3 python3-pil python3-numpy python3-soundfile fonts-dejavu-core dpkg-dev file lintian desktop-file-utils appstream man-db
 ASSET_PACKAGES := python3 python3-pil python3-numpy python3-soundfile fonts-dejavu-core
 PACKAGE_PACKAGES := dpkg-dev file
 

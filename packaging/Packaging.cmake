@@ -50,6 +50,8 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/gfx ${PROJECT_SOURCE_DIR}/sfx ${PROJECT_
         FILE_PERMISSIONS ${NIGHTVECTOR_FILE_MODE} DIRECTORY_PERMISSIONS ${NIGHTVECTOR_PROGRAM_MODE})
 install(FILES ${PACKAGING_SOURCE}/nightvector.desktop DESTINATION share/applications
         PERMISSIONS ${NIGHTVECTOR_FILE_MODE})
+install(FILES ${PACKAGING_SOURCE}/org.example.nightvector.metainfo.xml DESTINATION share/metainfo
+        PERMISSIONS ${NIGHTVECTOR_FILE_MODE})
 foreach(size IN LISTS NIGHTVECTOR_ICON_SIZES)
     install(FILES ${PACKAGING_SOURCE}/icons/nightvector_${size}.png
             DESTINATION share/icons/hicolor/${size}x${size}/apps RENAME nightvector.png

@@ -9,6 +9,7 @@ Usage: package_test.py CHECK BUILD_DIR SOURCE_DIR WORK_DIR
   control    name, version, section, architecture and the library dependencies
   stripped   the program carries no symbol table
   desktop    the desktop entry passes desktop-file-validate and starts the launcher
+  metainfo   the AppStream metainfo passes appstreamcli validate and names this version
   icons      every hicolor icon has the size its folder names
   manual     the manual page renders under man -l without warnings, with its sections
   lintian    lintian finds no errors (warnings are printed)
@@ -27,6 +28,7 @@ PROGRAM = "usr/lib/games/nightvector/nightvector"
 LAUNCHER = "usr/games/nightvector"
 DATA = "usr/share/games/nightvector"
 DESKTOP = "usr/share/applications/nightvector.desktop"
+METAINFO = "usr/share/metainfo/org.example.nightvector.metainfo.xml"
 MANUAL = "usr/share/man/man6/nightvector.6.gz"
 ICON_SIZES = (64, 128, 256)
 DATA_FOLDERS = ("gfx", "sfx", "shaders")
@@ -70,7 +72,7 @@ def check_build(build, source, work):
 
 
 def check_files(build, source, work):
-    expected = {PROGRAM, LAUNCHER, DESKTOP, MANUAL, "usr/share/doc/nightvector/copyright",
+    expected = {PROGRAM, LAUNCHER, DESKTOP, METAINFO, MANUAL, "usr/share/doc/nightvector/copyright",
                 "usr/share/doc/nightvector/changelog.gz"}
     expected |= {f"usr/share/icons/hicolor/{n}x{n}/apps/nightvector.png" for n in ICON_SIZES}
     for folder in DATA_FOLDERS:
@@ -138,6 +140,20 @@ def check_desktop(build, source, work):
     print(f"{DESKTOP}: valid")
 
 
+def check_metainfo(build, source, work):
+    metainfo = work / "root" / METAINFO
+    validated = run(["appstreamcli", "validate", "--no-net", "--pedantic", str(metainfo)])
+    expect_equal(validated.returncode, 0, "appstreamcli validate:\n" + validated.stdout + validated.stderr)
+    text = metainfo.read_text()
+    top = (source / "packaging" / "changelog").read_text().splitlines()[0]
+    version = top[top.index("(") + 1:top.index(")")]
+    expect_equal(f'<release version="{version}"' in text, True, "the newest release is the changelog's version")
+    expect_equal("<launchable type=\"desktop-id\">nightvector.desktop</launchable>" in text, True,
+                 "launches the desktop entry")
+    expect_equal("<content_rating type=\"oars-1.1\">" in text, True, "content rating")
+    print(f"{METAINFO}: valid")
+
+
 def png_size(path):
     header = pathlib.Path(path).read_bytes()[:24]
     expect_equal(header[:8], b"\x89PNG\r\n\x1a\n", f"PNG signature of {path}")
@@ -175,7 +191,8 @@ def check_lintian(build, source, work):
 
 
 CHECKS = {"build": check_build, "files": check_files, "control": check_control, "stripped": check_stripped,
-          "desktop": check_desktop, "icons": check_icons, "manual": check_manual, "lintian": check_lintian}
+          "desktop": check_desktop, "metainfo": check_metainfo, "icons": check_icons, "manual": check_manual,
+          "lintian": check_lintian}
 
 
 def main():
