@@ -72,14 +72,7 @@ private:
 
 // What `command` prints, run with DISPLAY set to `display`.
 std::string runOn(const std::string& display, const std::string& command) {
-    const std::string line = "DISPLAY=" + display + " " + command;
-    std::string out;
-    if (FILE* pipe = popen(line.c_str(), "r")) {
-        char buffer[128];
-        while (fgets(buffer, sizeof buffer, pipe)) out += buffer;
-        pclose(pipe);
-    }
-    return out;
+    return e2e::commandOutput("DISPLAY=" + display + " " + command);
 }
 
 // The size of the game's window on `display` as xdotool reports it ("1280x720"), "" if none.

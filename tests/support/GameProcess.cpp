@@ -23,7 +23,11 @@ namespace {
 
 const char* const CAPTION = "Nightvector - Unfinished CVC '11 version";
 
-std::string run(const std::string& command) {
+} // namespace
+
+void pause(int ms) { usleep(ms * 1000); }
+
+std::string commandOutput(const std::string& command) {
     std::string out;
     if (FILE* pipe = popen(command.c_str(), "r")) {
         char buffer[256];
@@ -32,10 +36,6 @@ std::string run(const std::string& command) {
     }
     return out;
 }
-
-} // namespace
-
-void pause(int ms) { usleep(ms * 1000); }
 
 int positiveSetting(const char* variable, int fallback) {
     const char* text = std::getenv(variable);
@@ -51,7 +51,7 @@ Surroundings::Surroundings() {
 }
 
 Surroundings::~Surroundings() {
-    if (!dir.empty()) run("rm -rf '" + dir + "'");
+    if (!dir.empty()) commandOutput("rm -rf '" + dir + "'");
 }
 
 void Surroundings::linkFolder(const std::string& name) {
@@ -231,7 +231,7 @@ void GameProcess::moveMouse(int x, int y) {
 }
 
 unsigned long GameProcess::window() {
-    std::string ids = run(std::string("xdotool search --name \"^") + CAPTION + "$\" 2>/dev/null");
+    std::string ids = commandOutput(std::string("xdotool search --name \"^") + CAPTION + "$\" 2>/dev/null");
     return strtoul(ids.c_str(), nullptr, 10);
 }
 

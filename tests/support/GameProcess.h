@@ -118,6 +118,8 @@ bool loadBmp(const std::string& path, Image& image);
 
 // Sleeps `ms` milliseconds.
 void pause(int ms);
+// What the shell command `command` writes to standard output.
+std::string commandOutput(const std::string& command);
 // The whole positive number the environment variable `variable` holds; `fallback` when it is
 // unset or holds anything else.
 int positiveSetting(const char* variable, int fallback);
