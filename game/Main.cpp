@@ -237,10 +237,6 @@ void startUp(bool fullscreen) {
     g_gameOver = new GameOverScreen(scores);
     startAudio();
 
-    // Loading runs as fast as it can; from the intro on, frames come at most at the cap.
-    Orvel::pacer.setCap(g_settings.frameCap == Settings::FRAME_CAP_DISPLAY ? DisplayRate::refreshHz()
-                                                                           : g_settings.frameCap);
-
     printf("Used texture memory: %f megabytes\n", (double)((float)Texture::usedMemory * (1.0f / 1048576.0f)));
     fflush(stdout);
 }
@@ -327,16 +323,13 @@ void runFrame() {
 
 namespace {
 
-// The settings file's choices for this run, with the command line's over them.
-void loadSettings(const LaunchOptions& options) {
+// The settings as the file keeps them. The command line's choices are not among them: they hold
+// for this run, and a change saved later does not write them into the file.
+void loadSettings() {
     const std::string path = SettingsFile::defaultPath();
-    if (!path.empty()) {
-        settingsFile = new SettingsFile(path);
-        g_settings = settingsFile->load();
-    }
-    if (options.display == LaunchOptions::DISPLAY_WINDOW) g_settings.fullscreen = false;
-    if (options.display == LaunchOptions::DISPLAY_FULLSCREEN) g_settings.fullscreen = true;
-    if (options.frameCap >= 0) g_settings.frameCap = options.frameCap;
+    if (path.empty()) return;
+    settingsFile = new SettingsFile(path);
+    g_settings = settingsFile->load();
 }
 
 } // namespace
@@ -354,8 +347,14 @@ int runNightvector(int argc, char** argv) {
     case CommandLine::RUN:
         break;
     }
-    loadSettings(options);
-    startUp(g_settings.fullscreen);
+    loadSettings();
+    bool fullscreen = g_settings.fullscreen;
+    if (options.display != LaunchOptions::DISPLAY_UNSET)
+        fullscreen = options.display == LaunchOptions::DISPLAY_FULLSCREEN;
+    startUp(fullscreen);
+    // Loading ran as fast as it could; from the intro on, frames come at most at the cap.
+    const int cap = options.frameCap >= 0 ? options.frameCap : g_settings.frameCap;
+    Orvel::pacer.setCap(cap == Settings::FRAME_CAP_DISPLAY ? DisplayRate::refreshHz() : cap);
     g_pause.panel = new SettingsPanel(settingsFile);
     while (runlevel != RUNLEVEL_QUIT) runFrame();
     Orvel::quit();

@@ -23,7 +23,8 @@ struct Settings {
     bool operator!=(const Settings& other) const { return !(*this == other); }
 };
 
-// The settings of this run: the file's at start-up, with the command line's choices over them.
+// The settings as the file keeps them: read at start-up, changed and saved by the player. The
+// command line's choices for a run are not written into them.
 extern Settings g_settings;
 
 class SettingsFile {

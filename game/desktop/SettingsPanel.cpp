@@ -55,7 +55,8 @@ std::string SettingsPanel::valueText(Line line) {
     case EFFECTS_VOLUME:
         return "< " + std::to_string(g_settings.effectsVolume) + " >";
     case DISPLAY:
-        return g_settings.fullscreen ? "Full screen" : "Window";
+        // The mode the game is in, which the command line may have chosen.
+        return Orvel::fullscreen ? "Full screen" : "Window";
     case SCREEN_SHAKE:
         return g_settings.screenShake ? "On" : "Off";
     case FLASHES:

@@ -207,6 +207,36 @@ TEST(Settings, TheCommandLineOverridesTheFileForThisRunOnly) {
     EXPECT_EQ(testing_support::fileContents(dir.path() + "/home/config/nightvector/settings"), WINDOWED);
 }
 
+TEST(Settings, AChangeSavedDuringARunDoesNotKeepTheCommandLinesChoices) {
+    LargeScreen screen;
+    ASSERT_FALSE(screen.display.empty()) << "no Xvfb";
+    Surroundings dir;
+    dir.linkData();
+    putSettings(dir, "nightvector settings 1\nmusic-volume = 4\n");
+    GameProcess game(dir.path(), {"DISPLAY=" + screen.display}, {"--window", "--frame-cap", "30"});
+    ASSERT_TRUE(game.waitForOutput("megabytes\n")) << game.errors();
+    EXPECT_FALSE(screenCovered(screen.display));
+    // The player's own choice is saved, with the rest as the file had it.
+    runOn(screen.display, "xdotool keydown alt keydown Return; sleep 0.5; xdotool keyup Return keyup alt");
+    const std::string file = dir.path() + "/home/config/nightvector/settings";
+    std::string saved;
+    for (int waited = 0; waited < 5000 && saved.empty(); waited += 100) {
+        saved = testing_support::fileContents(file);
+        if (saved.find("display") == std::string::npos) saved.clear();
+        if (saved.empty()) e2e::pause(100);
+    }
+    runOn(screen.display, "xdotool keydown Escape");
+    EXPECT_EQ(game.waitForExit(), 0);
+    runOn(screen.display, "xdotool keyup Escape");
+    EXPECT_EQ(saved, "nightvector settings 1\n"
+                     "music-volume = 4\n"
+                     "effects-volume = 10\n"
+                     "display = fullscreen\n"
+                     "screen-shake = on\n"
+                     "flashes = full\n"
+                     "frame-cap = display\n");
+}
+
 TEST(Settings, ADamagedFileSaysWhyAndTheGameStartsWithTheDefaults) {
     Surroundings dir;
     dir.linkData();
