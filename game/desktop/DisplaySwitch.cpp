@@ -18,8 +18,8 @@ bool DisplaySwitch::requested() { return Orvel::keyPressed(SDLK_RETURN) && altHe
 bool DisplaySwitch::toggle(SettingsFile* file) {
     const bool wanted = !Orvel::fullscreen;
     if (!Orvel::toggleFullscreen()) {
-        fprintf(stderr, "Could not switch to %s: the display refused; staying %s\n", wanted ? "full screen" : "a window",
-                wanted ? "in a window" : "in full screen");
+        fprintf(stderr, "Could not switch to %s: the display refused; staying %s\n",
+                wanted ? "full screen" : "a window", wanted ? "in a window" : "in full screen");
         return false;
     }
     g_settings.fullscreen = Orvel::fullscreen;

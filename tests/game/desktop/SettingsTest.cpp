@@ -172,7 +172,8 @@ TEST_F(SettingsFileTest, ADamagedFileKeepsWhatReadsAndGoesAsideBeforeTheNextSave
     EXPECT_EQ(s.musicVolume, 2);
     EXPECT_EQ(said, "Settings file " + path + ": line 3: unknown setting 'volume'\n");
     ASSERT_TRUE(file.save(s));
-    EXPECT_EQ(testing_support::fileContents(path + ".bad"), "nightvector settings 1\nmusic-volume = 2\nvolume = loud\n");
+    EXPECT_EQ(testing_support::fileContents(path + ".bad"),
+              "nightvector settings 1\nmusic-volume = 2\nvolume = loud\n");
     EXPECT_EQ(contents(), SettingsFile::format(s));
     // The file written is whole: loaded again, it says nothing.
     SettingsFile again(path);
@@ -196,7 +197,8 @@ TEST_F(SettingsFileTest, JunkSaysAFewLinesAndCountsTheRest) {
     EXPECT_TRUE(load(said) == Settings());
     std::string expected = "Settings file " + path + ": line 1 is not \"nightvector settings 1\"\n";
     for (int line = 1; line <= 4; ++line)
-        expected += "Settings file " + path + ": line " + std::to_string(line) + " is not a setting: '?? junk ? line'\n";
+        expected +=
+            "Settings file " + path + ": line " + std::to_string(line) + " is not a setting: '?? junk ? line'\n";
     expected += "Settings file " + path + ": 36 more problems not shown\n";
     EXPECT_EQ(said, expected);
 }
@@ -240,7 +242,8 @@ TEST_F(SettingsFileTest, InADirectoryThePlayerCannotWriteTheSaveFailsWithOneLine
         return saved ? 1 : 0;
     });
     EXPECT_EQ(result, 0);
-    EXPECT_EQ(testing_support::fileContents(errors), "Could not save the settings to " + path + ": Permission denied\n");
+    EXPECT_EQ(testing_support::fileContents(errors),
+              "Could not save the settings to " + path + ": Permission denied\n");
     EXPECT_EQ(contents(), SettingsFile::format(Settings()));
 }
 
