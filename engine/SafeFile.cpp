@@ -179,6 +179,18 @@ bool SafeFile::replace(const std::string& path, const std::string& bytes, std::s
     return false;
 }
 
+bool SafeFile::replaceMovingAside(const std::string& path, const std::string& bytes, bool& damaged,
+                                  std::string& error) {
+    if (damaged) {
+        if (moveAside(path).empty()) {
+            error = "the damaged file could not be moved aside";
+            return false;
+        }
+        damaged = false;
+    }
+    return replace(path, bytes, error);
+}
+
 std::string SafeFile::moveAside(const std::string& path) {
     for (int i = 1; i <= MOVE_ASIDE_TRIES; ++i) {
         const std::string aside = path + ".bad" + (i == 1 ? "" : "." + std::to_string(i));

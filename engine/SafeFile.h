@@ -33,6 +33,12 @@ public:
     // left on device") when any step failed; `path` is then as it was and no temporary file stays.
     static bool replace(const std::string& path, const std::string& bytes, std::string& error);
 
+    // replace(), with a damaged original first moved aside (moveAside) when `damaged` is set;
+    // `damaged` is cleared once it is. False with `error` set when either step failed ("the
+    // damaged file could not be moved aside", or replace's reason).
+    static bool replaceMovingAside(const std::string& path, const std::string& bytes, bool& damaged,
+                                   std::string& error);
+
     // Moves `path` aside to `path`.bad (or .bad.2 to .bad.9 where those are taken by something
     // that cannot be replaced), whatever it is. The new name, or "" when it could not be moved.
     static std::string moveAside(const std::string& path);

@@ -115,11 +115,10 @@ Settings SettingsFile::parse(const std::string& text, std::string& problems) {
             continue;
         }
         const std::string key = trimmed(line.substr(0, eq)), value = trimmed(line.substr(eq + 1));
-        Settings changed = s;
+        // A value is written only when it reads whole, so a bad one leaves what was there.
         bool known = false;
-        if (readSetting(key, value, changed, known)) {
-            s = changed;
-        } else if (!known) {
+        if (readSetting(key, value, s, known)) continue;
+        if (!known) {
             problems += "line " + std::to_string(number) + ": unknown setting " + quoted(key) + "\n";
         } else {
             problems += "line " + std::to_string(number) + ": bad value " + quoted(value) + " for " + key +
@@ -170,13 +169,7 @@ bool SettingsFile::save(const Settings& settings) {
         return false;
     }
     SafeFile::Lock lock(path + ".lock");
-    if (damaged && SafeFile::moveAside(path).empty()) {
-        fprintf(stderr, "Could not save the settings to %s: the damaged file could not be moved aside\n",
-                path.c_str());
-        return false;
-    }
-    damaged = false;
-    if (!SafeFile::replace(path, format(settings), error)) {
+    if (!SafeFile::replaceMovingAside(path, format(settings), damaged, error)) {
         fprintf(stderr, "Could not save the settings to %s: %s\n", path.c_str(), error.c_str());
         return false;
     }

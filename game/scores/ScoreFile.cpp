@@ -60,11 +60,7 @@ ScoreTable ScoreFile::change(const std::function<bool(ScoreTable&)>& edit) {
     ScoreTable table = read(damaged);
     // An edit that changes nothing leaves the file as it is.
     if (!edit(table)) return table;
-    if (damaged && SafeFile::moveAside(path).empty()) {
-        fprintf(stderr, "Could not save the scores to %s: the damaged file could not be moved aside\n", path.c_str());
-        return table;
-    }
-    if (!SafeFile::replace(path, table.format(), error))
+    if (!SafeFile::replaceMovingAside(path, table.format(), damaged, error))
         fprintf(stderr, "Could not save the scores to %s: %s\n", path.c_str(), error.c_str());
     return table;
 }
