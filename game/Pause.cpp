@@ -33,8 +33,8 @@ const float HINT_GAP = 60.0f;
 // A mouse button clicked off the settings panel: one the pad holds for a trigger does not count,
 // so that firing does not end a pause the pad's Start began, and a click on the panel changes a
 // setting instead.
-bool clickOutsidePanel() {
-    if (SettingsPanel::contains(Orvel::mouseX(), Orvel::mouseY())) return false;
+bool clickOutsidePanel(const SettingsPanel* panel) {
+    if (panel && SettingsPanel::contains(Orvel::mouseX(), Orvel::mouseY())) return false;
     for (int b = 1; b <= 3; ++b)
         if (Orvel::mousePressed(b) && !g_gamepad.holdsButton(b)) return true;
     return false;
@@ -58,7 +58,7 @@ void Pause::update(uint32_t realNow) {
     }
     if (orvel::WindowState::exposed()) redraw = true;
     if (panel && panel->update()) redraw = true;
-    if (Orvel::keyPressed(SDLK_p) || clickOutsidePanel()) leave(realNow);
+    if (Orvel::keyPressed(SDLK_p) || clickOutsidePanel(panel)) leave(realNow);
 }
 
 void Pause::enter(uint32_t realNow) {
