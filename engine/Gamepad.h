@@ -18,7 +18,8 @@ public:
 
     // Starts SDL's joystick subsystem and opens the first joystick present, noting how each of
     // its axes rests. Nothing is printed when there is none; one line on standard error
-    // ("Could not open joystick 0: ...") when opening it fails.
+    // ("Could not open joystick 0: ...") when opening it fails. A program opens it before
+    // Orvel::init: SDL's event thread then finds the joystick list complete when it starts.
     static void open();
     // Closes the joystick and the subsystem and forgets every state.
     static void close();

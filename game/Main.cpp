@@ -207,10 +207,12 @@ void startUp(bool fullscreen) {
     // The OpenGL window needs X; without a display SDL must fail rather than fall back to a
     // text-mode driver that cannot show it. A driver the user chose is left alone.
     setenv("SDL_VIDEODRIVER", "x11", 0);
+    // Before the window: SDL's event thread polls the joysticks, and SDL sets up its joystick list
+    // without the lock that thread takes, so that list must be complete before the thread starts.
+    Gamepad::open();
     Orvel::init(1280, 720, CAPTION, fullscreen, true);
     // The window shows the loading bar from its first moment until the intro's first frame.
     LoadingBar::show(0, 1);
-    Gamepad::open();
     Orvel::update();
     Resources::onProgress = LoadingBar::show;
     Resources::load();

@@ -593,6 +593,19 @@ TEST_F(OrvelWindowTest, JoystickEventsReachTheNextFrameThroughUpdate) {
     Gamepad::close();
 }
 
+TEST_F(OrvelWindowTest, TheGamepadOpensBeforeTheWindowAndKeepsItsSubsystemThroughInit) {
+    ASSERT_EQ(SDL_WasInit(SDL_INIT_EVERYTHING), 0u);
+    testing::internal::CaptureStderr();
+    Gamepad::open();
+    EXPECT_EQ(SDL_WasInit(SDL_INIT_EVERYTHING), (Uint32)SDL_INIT_JOYSTICK);
+    Orvel::init(320, 240, "Pad first", false, false);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    ASSERT_NE(Orvel::window, nullptr);
+    EXPECT_EQ(SDL_WasInit(SDL_INIT_JOYSTICK | SDL_INIT_VIDEO), (Uint32)(SDL_INIT_JOYSTICK | SDL_INIT_VIDEO));
+    Gamepad::close();
+    EXPECT_EQ(SDL_WasInit(SDL_INIT_JOYSTICK), 0u);
+}
+
 TEST_F(OrvelWindowTest, WithoutAJoystickOpeningSaysNothingAndFindsNone) {
     openWindow();
     testing::internal::CaptureStderr();
