@@ -12,10 +12,12 @@ int Gamepad::buttons = 0;
 int16_t Gamepad::resting[AXES] = {};
 volatile int16_t Gamepad::axesLive[AXES] = {};
 volatile uint32_t Gamepad::buttonsLive = 0;
+volatile uint8_t Gamepad::hatLive = 0;
 volatile uint32_t Gamepad::eventsSeen = 0;
 int16_t Gamepad::axesNow[AXES] = {};
 uint32_t Gamepad::buttonsNow = 0;
 uint32_t Gamepad::buttonsBefore = 0;
+uint8_t Gamepad::hatNow = 0;
 
 void Gamepad::open() {
     if (joystick) return;
@@ -43,6 +45,7 @@ void Gamepad::close() {
     axes = buttons = 0;
     for (int i = 0; i < AXES; ++i) resting[i] = axesLive[i] = axesNow[i] = 0;
     buttonsLive = buttonsNow = buttonsBefore = 0;
+    hatLive = hatNow = 0;
     eventsSeen = 0;
 }
 
@@ -66,6 +69,10 @@ void Gamepad::handle(const SDL_Event& event) {
         if (event.jbutton.which != 0 || event.jbutton.button >= BUTTONS) return;
         buttonsLive = buttonsLive & ~(1u << event.jbutton.button);
         break;
+    case SDL_JOYHATMOTION:
+        if (event.jhat.which != 0 || event.jhat.hat != 0) return;
+        hatLive = event.jhat.value;
+        break;
     default:
         return;
     }
@@ -76,6 +83,7 @@ void Gamepad::update() {
     for (int i = 0; i < AXES; ++i) axesNow[i] = axesLive[i];
     buttonsBefore = buttonsNow;
     buttonsNow = buttonsLive;
+    hatNow = hatLive;
 }
 
 int16_t Gamepad::axis(int i) {

@@ -32,7 +32,8 @@ public:
     // Overrides the axis and button counts and the resting values, as open found them.
     static void describe(int axisCount, int buttonCount, const int16_t* restingAxes);
 
-    // Event thread: SDL_JOYAXISMOTION, SDL_JOYBUTTONDOWN and SDL_JOYBUTTONUP of joystick 0.
+    // Event thread: SDL_JOYAXISMOTION, SDL_JOYBUTTONDOWN, SDL_JOYBUTTONUP and SDL_JOYHATMOTION
+    // (its first hat, the d-pad) of joystick 0.
     static void handle(const SDL_Event& event);
     // Main thread, once a frame: the live state becomes this frame's, this frame's the previous.
     static void update();
@@ -41,9 +42,11 @@ public:
     static int16_t axis(int i);
     static bool buttonDown(int b);
     static bool buttonPressed(int b);  // down this frame, up the frame before
-    // Any axis or button event arrived since start-up.
+    // This frame's d-pad as SDL's SDL_HAT_UP, _RIGHT, _DOWN and _LEFT bits; 0 when centred.
+    static uint8_t hat() { return hatNow; }
+    // Any axis, button or hat event arrived since start-up.
     static bool used() { return eventsSeen != 0; }
-    // Axis and button events of joystick 0 the event thread has taken in since start-up.
+    // Axis, button and hat events of joystick 0 the event thread has taken in since start-up.
     static uint32_t eventCount() { return eventsSeen; }
 
 private:
@@ -53,10 +56,12 @@ private:
     static int16_t resting[AXES];
     static volatile int16_t axesLive[AXES];
     static volatile uint32_t buttonsLive;
+    static volatile uint8_t hatLive;
     static volatile uint32_t eventsSeen;
     static int16_t axesNow[AXES];
     static uint32_t buttonsNow;
     static uint32_t buttonsBefore;
+    static uint8_t hatNow;
 };
 
 } // namespace orvel

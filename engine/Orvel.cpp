@@ -80,6 +80,7 @@ void handleEvent(Orvel::GEvent* e, const SDL_Event& event) {
     case SDL_JOYAXISMOTION:
     case SDL_JOYBUTTONDOWN:
     case SDL_JOYBUTTONUP:
+    case SDL_JOYHATMOTION:
         Gamepad::handle(event);
         break;
     default:

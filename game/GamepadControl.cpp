@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include <SDL/SDL_joystick.h>
 #include <SDL/SDL_keysym.h>
 
 #include "engine/Gamepad.h"
@@ -57,6 +58,11 @@ unsigned GamepadControl::stickKeys(int16_t x, int16_t y) {
     return DIRECTION_KEYS[sector];
 }
 
+unsigned GamepadControl::hatKeys(uint8_t hat) {
+    return (hat & SDL_HAT_UP ? KEY_W : 0) | (hat & SDL_HAT_LEFT ? KEY_A : 0) | (hat & SDL_HAT_DOWN ? KEY_S : 0) |
+           (hat & SDL_HAT_RIGHT ? KEY_D : 0);
+}
+
 GamepadControl::GamepadControl()
     : padAims(false), padLast(false), padButtons(0), aimX(AIM_NEAR), aimY(0.0f), mouseSeenX(-1), mouseSeenY(-1),
       backSince(0), backFired(false) {}
@@ -83,7 +89,7 @@ void GamepadControl::apply(uint32_t realNow) {
     for (int i = 0; i < Gamepad::AXES; ++i) resting[i] = Gamepad::restingAxis(i);
     const GamepadLayout pad = detectLayout(Gamepad::axisCount(), Gamepad::buttonCount(), resting);
 
-    const unsigned keys = stickKeys(Gamepad::axis(pad.leftX), Gamepad::axis(pad.leftY));
+    const unsigned keys = stickKeys(Gamepad::axis(pad.leftX), Gamepad::axis(pad.leftY)) | hatKeys(Gamepad::hat());
     if (keys & KEY_W) hold(e->keys, SDLK_w);
     if (keys & KEY_A) hold(e->keys, SDLK_a);
     if (keys & KEY_S) hold(e->keys, SDLK_s);

@@ -1,6 +1,6 @@
 #pragma once
-// Twin-stick play with a gamepad, as keys and buttons the game already reads: the left stick
-// holds W, A, S or D, the right stick puts the pointer (and so the reticle) around the ship, the
+// Twin-stick play with a gamepad, as keys and buttons the game already reads: the left stick or
+// the d-pad holds W, A, S or D, the right stick puts the pointer (and so the reticle) around the ship, the
 // right trigger or shoulder holds the left mouse button (plasma), the left ones the right button
 // (laser), Start holds Return and P, and Back held for a second presses Escape. Written into
 // the frame's input snapshot after Orvel's update, so mouse and keyboard keep working alongside.
@@ -38,6 +38,8 @@ public:
     // The keys that a stick held at (x, y) stands for, as bits: 1 W, 2 A, 4 S, 8 D. Nothing
     // inside the dead zone; otherwise the one or two keys of the nearest of eight directions.
     static unsigned stickKeys(int16_t x, int16_t y);
+    // The keys a d-pad held at SDL's hat value `hat` stands for, as stickKeys gives them.
+    static unsigned hatKeys(uint8_t hat);
 
     GamepadControl();
 

@@ -1,8 +1,8 @@
 #pragma once
 // The settings under the "Paused" lines: music and effects volume, window or full screen, screen
-// shake and flashes. Up and Down (W and S, the pad's left stick) choose a line, Left and Right (A
-// and D) or Return change it; the mouse chooses the line under it, and a left click changes it
-// onwards, a right click back. Every change applies at once and is saved.
+// shake and flashes. Up and Down (W and S, the pad's left stick or d-pad) choose a line, Left and
+// Right (A and D) or Return change it; the mouse chooses the line under it, and a left click
+// changes it onwards, a right click back. Every change applies at once and is saved.
 
 #include <string>
 

@@ -12,8 +12,11 @@
 #include "engine/Orvel.h"
 #include "engine/PauseClock.h"
 #include "game/GameSessions.h"
+#include "game/Main.h"
 #include "game/GamepadControl.h"
 #include "game/Pause.h"
+#include "game/desktop/Settings.h"
+#include "game/desktop/SettingsPanel.h"
 #include "game/Laser.h"
 #include "game/Plasma.h"
 #include "game/Player.h"
@@ -79,6 +82,15 @@ protected:
         ASSERT_EQ(SDL_PushEvent(&e), 0);
         ASSERT_TRUE(xdriver::waitFor([seen] { return seenEvents() > seen; }));
     }
+    static void hat(uint8_t value) {
+        SDL_Event e;
+        memset(&e, 0, sizeof e);
+        e.type = SDL_JOYHATMOTION;
+        e.jhat.value = value;
+        const uint32_t seen = seenEvents();
+        ASSERT_EQ(SDL_PushEvent(&e), 0);
+        ASSERT_TRUE(xdriver::waitFor([seen] { return seenEvents() > seen; }));
+    }
     static uint32_t seenEvents() { return Gamepad::eventCount(); }
 
     // One frame of input as the main loop reads it: the snapshot, the pad's, then the pad applied.
@@ -128,6 +140,17 @@ TEST(GamepadSticks, DeadZoneThenTheKeysOfTheNearestOfEightDirections) {
     // 22 degrees below the right is still right; 23 is down-right.
     EXPECT_EQ(GamepadControl::stickKeys(30381, 12275), D);
     EXPECT_EQ(GamepadControl::stickKeys(30162, 12803), D | S);
+}
+
+TEST(GamepadSticks, TheDpadHoldsTheKeysOfItsOneOrTwoDirections) {
+    const unsigned W = 1, A = 2, S = 4, D = 8;
+    EXPECT_EQ(GamepadControl::hatKeys(SDL_HAT_CENTERED), 0u);
+    EXPECT_EQ(GamepadControl::hatKeys(SDL_HAT_UP), W);
+    EXPECT_EQ(GamepadControl::hatKeys(SDL_HAT_RIGHT), D);
+    EXPECT_EQ(GamepadControl::hatKeys(SDL_HAT_DOWN), S);
+    EXPECT_EQ(GamepadControl::hatKeys(SDL_HAT_LEFT), A);
+    EXPECT_EQ(GamepadControl::hatKeys(SDL_HAT_RIGHTDOWN), D | S);
+    EXPECT_EQ(GamepadControl::hatKeys(SDL_HAT_LEFTUP), A | W);
 }
 
 TEST_F(GamepadControlTest, WithoutAPadTheInputIsLeftAlone) {
@@ -341,4 +364,50 @@ TEST_F(GamepadControlTest, ThePauseNamesThePadsButtonsWhenThePadWasUsedLast) {
     axis(5, -32768);
     readInput(1080, 0, 700, 300);
     EXPECT_FALSE(g_gamepad.padLast);
+}
+
+TEST_F(GamepadControlTest, TheDpadSteersAsTheLeftStickDoes) {
+    describeXbox();
+    hat(SDL_HAT_LEFTDOWN);
+    readInput(1000);
+    EXPECT_TRUE(Orvel::keyDown(SDLK_a));
+    EXPECT_TRUE(Orvel::keyDown(SDLK_s));
+    EXPECT_FALSE(Orvel::keyDown(SDLK_w));
+    EXPECT_FALSE(Orvel::keyDown(SDLK_d));
+    EXPECT_TRUE(g_gamepad.padLast);
+    // The stick and the d-pad together hold the keys of both.
+    axis(0, 32767);
+    readInput(1016);
+    EXPECT_TRUE(Orvel::keyDown(SDLK_d));
+    EXPECT_TRUE(Orvel::keyDown(SDLK_a));
+    axis(0, 0);
+    hat(SDL_HAT_CENTERED);
+    readInput(1032);
+    for (int key : {SDLK_w, SDLK_a, SDLK_s, SDLK_d}) EXPECT_FALSE(Orvel::keyDown(key)) << key;
+}
+
+TEST_F(GamepadControlTest, TheDpadChoosesAndChangesTheSettingsWhilePaused) {
+    describeXbox();
+    const Settings before = g_settings;
+    g_settings = Settings();
+    SettingsPanel panel(nullptr);
+    g_pause.panel = &panel;
+    readInput(1000);
+    g_pause.enter(1000);
+    hat(SDL_HAT_DOWN);
+    readInput(1050);
+    g_pause.update(1050);
+    EXPECT_EQ(panel.chosen(), SettingsPanel::EFFECTS_VOLUME);
+    hat(SDL_HAT_CENTERED);
+    readInput(1100);
+    g_pause.update(1100);
+    hat(SDL_HAT_LEFT);
+    readInput(1150);
+    g_pause.update(1150);
+    EXPECT_EQ(g_settings.effectsVolume, Settings::VOLUME_MAX - 1);
+    EXPECT_TRUE(g_pause.paused);
+    g_pause.leave(1150);
+    g_pause.panel = nullptr;
+    g_settings = before;
+    applyVolumes();
 }
