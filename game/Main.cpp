@@ -15,6 +15,7 @@
 #include "engine/Gamepad.h"
 #include "engine/Orvel.h"
 #include "engine/PauseClock.h"
+#include "engine/PointerGrab.h"
 #include "engine/Screenshot.h"
 #include "engine/String.h"
 #include "engine/Texture.h"
@@ -87,6 +88,9 @@ SettingsFile* settingsFile = nullptr;
 
 // The effects' chunks on the open device; g_sound plays through it once they are loaded.
 MixerOutput effectOutput;
+
+// The pointer kept on the picture in full screen, and let go while paused.
+PointerGrab pointerGrab;
 
 bool startInput() {
     return DisplaySwitch::plainReturnPressed() || Orvel::keyPressed(SDLK_SPACE) || Orvel::keyPressed(SDLK_KP_ENTER) ||
@@ -254,6 +258,7 @@ void runFrameLogic() {
             if (g_gameOver) g_gameOver->update();
         }
     }
+    pointerGrab.update(Orvel::fullscreen && !g_pause.paused);
 
     // Drawn again after the logic on purpose; the next pass's clear wipes it.
     g_fader->draw();

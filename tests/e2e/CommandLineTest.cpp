@@ -70,9 +70,9 @@ private:
     pid_t pid = -1;
 };
 
-// What `command` prints, run with DISPLAY set to `display`.
+// What `command` prints, run with DISPLAY set to `display` for each of its commands.
 std::string runOn(const std::string& display, const std::string& command) {
-    return e2e::commandOutput("DISPLAY=" + display + " " + command);
+    return e2e::commandOutput("export DISPLAY=" + display + "; " + command);
 }
 
 // The size of the game's window on `display` as xdotool reports it ("1280x720"), "" if none.
@@ -281,4 +281,83 @@ TEST(FrameCap, AtACapOfZeroTheFramesAreNotHeld) {
     EXPECT_GE(frames, 10) << frames;
     EXPECT_EQ(game.escapeAndWaitForExit(), 0);
     printf("%d frames in 3 s without a cap\n", frames);
+}
+
+namespace {
+
+// Where the pointer is on `display` after xdotool tried to move it to (x, y): "x y".
+std::string pointerAfterMoveTo(const std::string& display, int x, int y) {
+    runOn(display, "xdotool mousemove " + std::to_string(x) + " " + std::to_string(y));
+    e2e::pause(300);
+    std::string place = runOn(display, "xdotool getmouselocation | sed 's/x:\\([0-9]*\\) y:\\([0-9]*\\).*/\\1 \\2/'");
+    if (!place.empty() && place.back() == '\n') place.pop_back();
+    return place;
+}
+
+// Whether "x y" lies on the 1280 x 720 picture centred on the 1920 x 1080 screen.
+bool onThePicture(const std::string& place) {
+    int x = -1, y = -1;
+    if (sscanf(place.c_str(), "%d %d", &x, &y) != 2) return false;
+    return x >= 320 && x < 1600 && y >= 180 && y < 900;
+}
+
+// Whether the pointer on `display`, sent to the screen's corner, stays on the picture; asked
+// again for up to five seconds, as the game grabs it in a frame after the intro's first.
+bool pointerHeldOnThePicture(const std::string& display) {
+    for (int waited = 0; waited < 5000; waited += 300)
+        if (onThePicture(pointerAfterMoveTo(display, 10, 10))) return true;
+    return false;
+}
+
+// Holds `key` on `display` long enough for a frame to see it.
+void tapOn(const std::string& display, const std::string& key) {
+    runOn(display, "xdotool keydown " + key + "; sleep 0.3; xdotool keyup " + key);
+}
+
+} // namespace
+
+TEST(Display, FullScreenKeepsThePointerOnThePictureAndLetsItGoWhilePaused) {
+    LargeScreen screen;
+    ASSERT_FALSE(screen.display.empty()) << "no Xvfb";
+    Surroundings dir;
+    dir.linkData();
+    GameProcess game(dir.path(), {"DISPLAY=" + screen.display}, {"--fullscreen"});
+    ASSERT_TRUE(game.waitForOutput("megabytes\n")) << game.errors();
+    EXPECT_TRUE(pointerHeldOnThePicture(screen.display));
+    // Into play, then paused: the pointer may leave the picture.
+    pointerAfterMoveTo(screen.display, 900, 500);
+    tapOn(screen.display, "Return");
+    e2e::pause(3000);
+    EXPECT_TRUE(onThePicture(pointerAfterMoveTo(screen.display, 1900, 1070)));
+    tapOn(screen.display, "p");
+    e2e::pause(500);
+    EXPECT_EQ(pointerAfterMoveTo(screen.display, 10, 10), "10 10");
+    EXPECT_EQ(pointerAfterMoveTo(screen.display, 1900, 1070), "1900 1070");
+    // Resumed with P, typed with the pointer back on the picture: confined again.
+    pointerAfterMoveTo(screen.display, 900, 500);
+    tapOn(screen.display, "p");
+    e2e::pause(500);
+    EXPECT_TRUE(pointerHeldOnThePicture(screen.display));
+    runOn(screen.display, "xdotool keydown Escape");
+    EXPECT_EQ(game.waitForExit(), 0);
+    runOn(screen.display, "xdotool keyup Escape");
+    EXPECT_EQ(game.errors(), "");
+}
+
+TEST(Display, AWindowNeverHoldsThePointer) {
+    LargeScreen screen;
+    ASSERT_FALSE(screen.display.empty()) << "no Xvfb";
+    Surroundings dir;
+    dir.linkData();
+    GameProcess game(dir.path(), {"DISPLAY=" + screen.display}, {"--window"});
+    ASSERT_TRUE(game.waitForOutput("megabytes\n")) << game.errors();
+    pointerAfterMoveTo(screen.display, 600, 300);
+    tapOn(screen.display, "Return");
+    e2e::pause(3000);
+    EXPECT_EQ(pointerAfterMoveTo(screen.display, 1900, 1070), "1900 1070");
+    EXPECT_EQ(pointerAfterMoveTo(screen.display, 10, 10), "10 10");
+    pointerAfterMoveTo(screen.display, 600, 300);
+    runOn(screen.display, "xdotool keydown Escape");
+    EXPECT_EQ(game.waitForExit(), 0);
+    runOn(screen.display, "xdotool keyup Escape");
 }
