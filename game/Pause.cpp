@@ -57,7 +57,7 @@ void Pause::update(uint32_t realNow) {
         return;
     }
     if (orvel::WindowState::exposed()) redraw = true;
-    if (panel && panel->update()) redraw = true;
+    if (panel && panel->update(realNow)) redraw = true;
     if (Orvel::keyPressed(SDLK_p) || clickOutsidePanel(panel)) leave(realNow);
 }
 
@@ -75,6 +75,7 @@ void Pause::leave(uint32_t realNow) {
     paused = false;
     redraw = false;
     PauseClock::release(realNow);
+    if (panel) panel->pauseEnded();
     if (music) Mix_ResumeMusic();
     g_sound.resumeAll();
 }

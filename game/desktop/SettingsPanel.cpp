@@ -30,7 +30,7 @@ bool clicked(int button) { return Orvel::mousePressed(button) && !g_gamepad.hold
 } // namespace
 
 SettingsPanel::SettingsPanel(SettingsFile* file)
-    : file(file), current(MUSIC_VOLUME), root(nullptr), labels(), values() {}
+    : file(file), preview(), current(MUSIC_VOLUME), root(nullptr), labels(), values() {}
 
 SettingsPanel::~SettingsPanel() {
     if (!root) return;
@@ -73,22 +73,22 @@ bool SettingsPanel::contains(int x, int y) {
 
 int SettingsPanel::lineAt(int x, int y) { return contains(x, y) ? (int)(((float)y - TOP) / LINE_STEP) : -1; }
 
-bool SettingsPanel::update() {
+bool SettingsPanel::update(uint32_t realNow) {
     const int before = current;
     if (pressed(SDLK_UP, SDLK_w)) current = (current + LINE_COUNT - 1) % LINE_COUNT;
     if (pressed(SDLK_DOWN, SDLK_s)) current = (current + 1) % LINE_COUNT;
     bool changed = false;
     if (pressed(SDLK_LEFT, SDLK_a)) {
-        change((Line)current, -1);
+        change((Line)current, -1, realNow);
         changed = true;
     }
     if (pressed(SDLK_RIGHT, SDLK_d)) {
-        change((Line)current, 1);
+        change((Line)current, 1, realNow);
         changed = true;
     }
     // The pad's Start holds Return and P together: that is the pause ending, not a change.
     if (DisplaySwitch::plainReturnPressed() && !Orvel::keyPressed(SDLK_p)) {
-        change((Line)current, 1);
+        change((Line)current, 1, realNow);
         changed = true;
     }
     const int x = Orvel::mouseX(), y = Orvel::mouseY();
@@ -97,25 +97,28 @@ bool SettingsPanel::update() {
                                          Orvel::events->mouseY != Orvel::events->mousePrevY);
     if (under >= 0 && (moved || clicked(1) || clicked(3))) current = under;
     if (under >= 0 && clicked(1)) {
-        change((Line)current, 1);
+        change((Line)current, 1, realNow);
         changed = true;
     }
     if (under >= 0 && clicked(3)) {
-        change((Line)current, -1);
+        change((Line)current, -1, realNow);
         changed = true;
     }
+    preview.update(realNow);
     return changed || current != before;
 }
 
-void SettingsPanel::change(Line line, int step) {
+void SettingsPanel::change(Line line, int step, uint32_t realNow) {
     switch (line) {
     case MUSIC_VOLUME:
         g_settings.musicVolume = std::clamp(g_settings.musicVolume + step, 0, Settings::VOLUME_MAX);
         applyVolumes();
+        preview.musicChanged(realNow);
         break;
     case EFFECTS_VOLUME:
         g_settings.effectsVolume = std::clamp(g_settings.effectsVolume + step, 0, Settings::VOLUME_MAX);
         applyVolumes();
+        preview.effectsChanged();
         break;
     case DISPLAY:
         // The switch saves the settings itself, and only when the display took it.

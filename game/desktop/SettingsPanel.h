@@ -2,9 +2,13 @@
 // The settings under the "Paused" lines: music and effects volume, window or full screen, screen
 // shake and flashes. Up and Down (W and S, the pad's left stick or d-pad) choose a line, Left and
 // Right (A and D) or Return change it; the mouse chooses the line under it, and a left click
-// changes it onwards, a right click back. Every change applies at once and is saved.
+// changes it onwards, a right click back. Every change applies at once and is saved; a volume is
+// heard as it is set (VolumePreview).
 
+#include <cstdint>
 #include <string>
+
+#include "game/desktop/VolumePreview.h"
 
 class DirectScene2D;
 class SettingsFile;
@@ -30,9 +34,13 @@ public:
     SettingsPanel(const SettingsPanel&) = delete;
     SettingsPanel& operator=(const SettingsPanel&) = delete;
 
-    // Once a paused frame: the keys, the pointer and the buttons. True when the panel changed
-    // (a line chosen or a setting changed), so the picture has to be drawn again.
-    bool update();
+    // Once a paused frame, at SDL's tick count `realNow`: the keys, the pointer and the buttons.
+    // True when the panel changed (a line chosen or a setting changed), so the picture has to be
+    // drawn again.
+    bool update(uint32_t realNow);
+    // The pause ended: a volume being heard stops being one.
+    void pauseEnded() { preview.stop(); }
+    const VolumePreview& volumePreview() const { return preview; }
     // Whether the screen point (x, y) is on the panel.
     static bool contains(int x, int y);
     // The line at screen height y, or -1.
@@ -48,10 +56,11 @@ public:
 
 private:
     // Moves the setting on `line` by `step` (volumes) or flips it, applies and saves it.
-    void change(Line line, int step);
+    void change(Line line, int step, uint32_t realNow);
     void build();
 
     SettingsFile* file;
+    VolumePreview preview;
     int current;
     DirectScene2D* root;
     Text* labels[LINE_COUNT];

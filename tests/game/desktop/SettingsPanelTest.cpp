@@ -8,6 +8,7 @@
 
 #include "engine/PauseClock.h"
 #include "game/Pause.h"
+#include "game/SoundEffects.h"
 #include "game/desktop/Settings.h"
 #include "tests/support/FileChecks.h"
 #include "tests/support/GameSession.h"
@@ -187,4 +188,37 @@ TEST_F(SettingsPanelTest, AChangeAsksForThePictureAgain) {
     g_pause.pictureShown();
     frame(-1, 0, 100, 100);
     EXPECT_FALSE(g_pause.pictureDue());
+}
+
+namespace {
+
+// Counts the effects started.
+class ChimeCounter : public SoundOutput {
+public:
+    uint32_t length(SoundEffect, int) const override { return 400; }
+    void play(const SoundPlay& p) override {
+        if (p.effect == SFX_POWERUP_COLLECTED) ++chimes;
+    }
+    void stop(int, int) override {}
+    void fadeOutAll(int) override {}
+    void pauseAll() override {}
+    void resumeAll() override {}
+    int chimes = 0;
+};
+
+} // namespace
+
+TEST_F(SettingsPanelTest, EachChangeOfTheEffectsVolumeIsHeardAsAChime) {
+    ChimeCounter sound;
+    g_sound.setOutput(&sound);
+    tap(SDLK_LEFT);
+    EXPECT_EQ(sound.chimes, 0);
+    tap(SDLK_DOWN);
+    EXPECT_EQ(sound.chimes, 0);
+    tap(SDLK_LEFT);
+    tap(SDLK_LEFT);
+    tap(SDLK_RIGHT);
+    EXPECT_EQ(sound.chimes, 3);
+    EXPECT_EQ(g_settings.effectsVolume, 9);
+    g_sound.setOutput(nullptr);
 }
