@@ -200,7 +200,8 @@ void startAudio() {
 }
 
 void applyVolumes() {
-    Mix_VolumeMusic((int)std::lround((float)MIX_MAX_VOLUME * (float)g_settings.musicVolume / Settings::VOLUME_MAX));
+    Mix_VolumeMusic(
+        (int)std::lround((float)MIX_MAX_VOLUME * MUSIC_LEVEL * (float)g_settings.musicVolume / Settings::VOLUME_MAX));
     effectOutput.setGain((float)g_settings.effectsVolume / Settings::VOLUME_MAX);
 }
 

@@ -53,7 +53,11 @@ bool loadMusic();
 void loadSoundEffects();
 // loadMusic, then loadSoundEffects and applyVolumes when the device opened.
 void startAudio();
-// The music and the effects at the volumes g_settings holds: the mixer's full volume at 10.
+// The music's share of the mixer's full volume at a music volume of 10: 8 dB under the effects,
+// which play at the mixer's full volume at 10, so that the effects carry the action over it.
+constexpr float MUSIC_LEVEL = 0.4f;
+// The music and the effects at the volumes g_settings holds, each in steps of a tenth of its
+// level at 10.
 void applyVolumes();
 
 // Makes every thread allocate from the one main heap. The image decoder's freed memory then goes

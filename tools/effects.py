@@ -70,8 +70,10 @@ PEAK_CEILING = 10 ** (-3.0 / 20)
 #              wave_banner, explosion_large
 #     -6       explosion_small, respawn, powerup_appear,       now and then
 #              powerup_collect, player_hit, laser_start
+#     -9       laser_loop                                      held for long, and must
+#                                                              carry over the music
 #     -10      plasma_shot, plasma_spark                       several a second
-#     -11      enemy_shot, laser_loop                          many enemies; held for long
+#     -11      enemy_shot                                      many enemies
 #     -12      laser_burn                                      all the while the beam bites
 LEVELS = {
     "player_death": -3.1, "meganuke": -3.1, "game_over": -3.1, "wave_banner": -3.1,
@@ -79,9 +81,14 @@ LEVELS = {
     "explosion_small": -6.0, "respawn": -6.0, "powerup_appear": -6.0, "powerup_collect": -6.0,
     "player_hit": -6.0, "laser_start": -6.0,
     "plasma_shot": -10.0, "plasma_spark": -10.0,
-    "enemy_shot": -11.0, "laser_loop": -11.0,
+    "laser_loop": -9.0,
+    "enemy_shot": -11.0,
     "laser_burn": -12.0,
 }
+
+# The lift of the hum's harmonics near the middle of the ear's best range: centre and width
+# (Hz) of a bell, and how much it adds to their weight at its top.
+HUM_PRESENCE = (2000.0, 1200.0, 4.0)
 
 # Attack (a cubic ramp) and release (a quadratic one) of a sound, in seconds, unless the
 # sound asks for others.
@@ -116,24 +123,35 @@ def phase_of(freq):
     return np.concatenate(([0.0], np.cumsum(freq[:-1]))) / RATE
 
 
-def swept_tone(freq, weights, phase=None):
-    """Harmonics of a tone gliding along freq (Hz per sample), weights[k - 1] for the k-th.
+def swept_tone(freq, weights, phase=None, offsets=None):
+    """Harmonics of a tone gliding along freq (Hz per sample), weights[k - 1] for the k-th,
+    each starting offsets[k - 1] cycles into its own phase (all at 0 without offsets).
 
     Each harmonic fades out over the TOP_BAND below TOP_FREQUENCY wherever the glide
     lifts it there, so nothing aliases and no partial appears or vanishes with a step.
     """
     if phase is None:
         phase = phase_of(freq)
+    if offsets is None:
+        offsets = np.zeros(len(weights))
     out = np.zeros(len(freq))
-    for k, weight in enumerate(weights, 1):
+    for k, (weight, offset) in enumerate(zip(weights, offsets), 1):
         top = k * np.max(freq)
         if weight == 0.0 or k * np.min(freq) >= TOP_FREQUENCY:
             continue
         gain = weight
         if top > TOP_FREQUENCY - TOP_BAND:
             gain = weight * np.clip((TOP_FREQUENCY - k * freq) / TOP_BAND, 0.0, 1.0)
-        out += gain * np.sin(2 * np.pi * k * phase)
+        out += gain * np.sin(2 * np.pi * (k * phase + offset))
     return out
+
+
+def low_crest_offsets(count):
+    """Schroeder's phases for count harmonics, in cycles: k^2 / 2count for the k-th. The
+    harmonics then never all peak together, so the tone's peak sits some 6 dB nearer its
+    RMS than a saw's, and it sounds louder at the same peak."""
+    k = np.arange(1, count + 1)
+    return k * k / (2.0 * count)
 
 
 def saw_weights(count, cutoff_ratio, q=0.9, odd=0.0):
@@ -282,9 +300,12 @@ def laser_hum(n):
 
     A low-passed saw on A2 (110 Hz) with a slow 5 Hz vibrato, a second voice an octave
     up and 1.25 Hz sharp that beats against it once per loop, a 12.5 Hz flutter of the
-    level, and a faint sizzle of noise riding on the flutter. Every one of these is a
-    whole number of cycles per loop, and the noise is made circularly over exactly one
-    loop, so the loop is seamless.
+    level, and a faint sizzle of noise riding on the flutter. The saw's fundamental is
+    halved, its harmonics around 2.2 kHz are lifted (HUM_PRESENCE) and their phases spread
+    so that the buzz is dense rather than peaky, so that it is heard above the music's
+    bass and pads, where 110 Hz alone would be lost. Every one
+    of these is a whole number of cycles per loop, and the noise is made circularly over
+    exactly one loop, so the loop is seamless.
     """
     loop = LOOP_SAMPLES
     t = seconds(n)
@@ -294,7 +315,13 @@ def laser_hum(n):
     phase = base * t + vibrato_depth / (2 * np.pi * vibrato_rate) \
         * np.sin(2 * np.pi * vibrato_rate * t)
     freq = np.full(n, base + vibrato_depth)  # the highest it goes, for the partial limit
-    buzz = swept_tone(freq, saw_weights(40, 16.0, q=1.1, odd=0.3), phase=phase)
+    count = 70
+    k = np.arange(1, count + 1)
+    weights = np.array(saw_weights(count, 30.0, q=1.4, odd=0.3))
+    centre, width, lift = HUM_PRESENCE
+    weights *= 1.0 + lift * np.exp(-((k * base - centre) / width) ** 2)
+    weights[0] *= 0.5
+    buzz = swept_tone(freq, list(weights), phase=phase, offsets=low_crest_offsets(count))
     upper_freq = whole_cycles(2 * base + 1.25)
     upper = swept_tone(np.full(n, upper_freq), saw_weights(12, 4.0), phase=upper_freq * t)
     flutter = 1.0 - 0.12 * (0.5 + 0.5 * np.sin(2 * np.pi * whole_cycles(12.5) * t))

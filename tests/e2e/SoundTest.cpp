@@ -22,10 +22,19 @@ namespace {
 const double RATE = 44100.0;
 const int FRAME_BYTES = 4; // two 16-bit channels
 
+// A band-pass filter's centre (Hz) and Q.
+struct Band {
+    double centre, q;
+};
+
 // The plasma shot's band, 1 to 2 kHz, where it has three quarters of its energy and the music
 // (its kick, bass and pads lower down) about a thirtieth of its own.
-const double BAND_CENTRE = 1414.0;
-const double BAND_Q = 1.414;
+const Band SHOT_BAND = {1414.0, 1.414};
+// 1 to 4 kHz, where the laser's hum has its lifted harmonics, clear of the music's bass.
+const Band HUM_BAND = {2000.0, 0.667};
+
+// SDL's mouse buttons: nothing held, the plasma gun, the laser.
+const int NO_BUTTON = 0, PLASMA = 1, LASER = 3;
 
 // Bytes the game has written to `file` so far, down to a whole frame.
 long long writtenBytes(const std::string& file) {
@@ -42,9 +51,9 @@ struct Recording {
 };
 
 // Plays from the intro into the game with the pointer to the ship's right, waits until the ship
-// has grown in, then opens a two-second window, holding the left button through it when `fire`,
-// and quits with Escape.
-void record(bool fire, Recording& r) {
+// has grown in, presses `button` (none for NO_BUTTON), waits `settleMs` more, then opens a
+// two-second window with the button held, and quits with Escape.
+void record(int button, int settleMs, Recording& r) {
     Surroundings dir;
     dir.linkData();
     const std::string file = dir.path() + "/audio.raw";
@@ -52,11 +61,12 @@ void record(bool fire, Recording& r) {
     // One second to black, half a second in; the ship grows in for a second after that. The
     // first wave (and its banner) comes five seconds after the game starts, after the window.
     ASSERT_NO_FATAL_FAILURE(e2e::enterPlay(game, 900, 360, 2500));
+    if (button != NO_BUTTON) game.pressButton(button);
+    e2e::pause(settleMs);
     r.windowStart = writtenBytes(file);
-    if (fire) game.pressButton(1);
     e2e::pause(2000);
     r.windowEnd = writtenBytes(file);
-    if (fire) game.releaseButton(1);
+    if (button != NO_BUTTON) game.releaseButton(button);
     game.holdKey("Escape");
     r.exitStatus = game.waitForExit();
 
@@ -67,11 +77,11 @@ void record(bool fire, Recording& r) {
         r.samples[i] = (int16_t)((uint8_t)bytes[2 * i] | (uint8_t)bytes[2 * i + 1] << 8);
 }
 
-// Mean square, in full scale, of the window's mono mix after a band-pass filter around
-// BAND_CENTRE (a second-order filter with 0 dB at its centre).
-double bandEnergy(const Recording& r) {
-    const double w0 = 2.0 * M_PI * BAND_CENTRE / RATE;
-    const double alpha = std::sin(w0) / (2.0 * BAND_Q);
+// Mean square, in full scale, of the window's mono mix after a band-pass filter around the
+// band's centre (a second-order filter with 0 dB at its centre).
+double bandEnergy(const Recording& r, const Band& band) {
+    const double w0 = 2.0 * M_PI * band.centre / RATE;
+    const double alpha = std::sin(w0) / (2.0 * band.q);
     const double a0 = 1.0 + alpha;
     const double b0 = alpha / a0, b2 = -alpha / a0, a1 = -2.0 * std::cos(w0) / a0, a2 = (1.0 - alpha) / a0;
     double x1 = 0, x2 = 0, y1 = 0, y2 = 0, sum = 0;
@@ -111,8 +121,8 @@ int offCentreFrames(const Recording& r) {
 
 TEST(Sound, HoldingFireAddsTheShotsAboveTheMusic) {
     Recording quiet, firing;
-    ASSERT_NO_FATAL_FAILURE(record(false, quiet));
-    ASSERT_NO_FATAL_FAILURE(record(true, firing));
+    ASSERT_NO_FATAL_FAILURE(record(NO_BUTTON, 0, quiet));
+    ASSERT_NO_FATAL_FAILURE(record(PLASMA, 0, firing));
     EXPECT_EQ(quiet.exitStatus, 0);
     EXPECT_EQ(firing.exitStatus, 0);
     // Both windows hold sound to measure. How much depends on how busy the machine was, since
@@ -122,9 +132,25 @@ TEST(Sound, HoldingFireAddsTheShotsAboveTheMusic) {
     EXPECT_GT(energy(quiet), 1e-3);
     EXPECT_GT(energy(firing), 1e-3);
     // Ten shots of plasma: clearly above the music in the shots' band.
-    const double ratio = bandEnergy(firing) / bandEnergy(quiet);
-    EXPECT_GT(ratio, 2.0) << "firing " << bandEnergy(firing) << ", music alone " << bandEnergy(quiet);
+    const double ratio = bandEnergy(firing, SHOT_BAND) / bandEnergy(quiet, SHOT_BAND);
+    EXPECT_GT(ratio, 2.0) << "firing " << bandEnergy(firing, SHOT_BAND) << ", music alone "
+                          << bandEnergy(quiet, SHOT_BAND);
     // No enemy is near yet: the music and the ship's own sounds are all centred.
     EXPECT_EQ(offCentreFrames(quiet), 0);
     EXPECT_EQ(offCentreFrames(firing), 0);
+}
+
+TEST(Sound, TheLaserHumIsHeardAboveTheMusicAtTheDefaultMix) {
+    Recording quiet, beam;
+    ASSERT_NO_FATAL_FAILURE(record(NO_BUTTON, 700, quiet));
+    // The beam's start sound lasts 0.45 s; the window then holds its hum alone over the music.
+    ASSERT_NO_FATAL_FAILURE(record(LASER, 700, beam));
+    EXPECT_EQ(quiet.exitStatus, 0);
+    EXPECT_EQ(beam.exitStatus, 0);
+    for (const Recording* r : {&quiet, &beam}) ASSERT_GT(r->windowEnd, r->windowStart);
+    EXPECT_GT(energy(quiet), 1e-4);
+    // Where the ear is keenest, the hum carries at least five times the music's energy over
+    // these two seconds (7 dB above it).
+    const double ratio = bandEnergy(beam, HUM_BAND) / bandEnergy(quiet, HUM_BAND);
+    EXPECT_GT(ratio, 6.0) << "beam " << bandEnergy(beam, HUM_BAND) << ", music alone " << bandEnergy(quiet, HUM_BAND);
 }

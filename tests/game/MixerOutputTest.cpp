@@ -271,18 +271,19 @@ TEST_F(MixerOutputTest, StartingTheAudioSetsTheVolumesTheSettingsHold) {
     g_settings.effectsVolume = 3;
     startAudio();
     g_settings = saved;
-    // Half of the mixer's 128.
-    EXPECT_EQ(Mix_VolumeMusic(-1), 64);
+    // Half of the music's level, 0.4 of the mixer's 128: 25.6.
+    EXPECT_EQ(Mix_VolumeMusic(-1), 26);
     ASSERT_NE(g_sound.output(), nullptr);
     EXPECT_FLOAT_EQ(static_cast<MixerOutput*>(g_sound.output())->gain(), 0.3f);
 }
 
-TEST_F(MixerOutputTest, AtTheDefaultVolumesTheMixIsAsLoaded) {
+TEST_F(MixerOutputTest, AtTheDefaultVolumesTheEffectsPlayAsLoadedAndTheMusic8dBUnder) {
     linkEffects();
     linkSound("music1.ogg");
     ASSERT_TRUE(g_settings == Settings());
     startAudio();
-    EXPECT_EQ(Mix_VolumeMusic(-1), MIX_MAX_VOLUME);
+    // 0.4 of the mixer's 128: 51.2.
+    EXPECT_EQ(Mix_VolumeMusic(-1), 51);
     EXPECT_EQ(static_cast<MixerOutput*>(g_sound.output())->gain(), 1.0f);
 }
 

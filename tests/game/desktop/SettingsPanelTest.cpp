@@ -84,8 +84,8 @@ TEST_F(SettingsPanelTest, UpAndDownChooseTheLineAndGoRound) {
 TEST_F(SettingsPanelTest, LeftAndRightMoveAVolumeWithinZeroToTenAndTheMixerHearsItAtOnce) {
     tap(SDLK_LEFT);
     EXPECT_EQ(g_settings.musicVolume, 9);
-    // 9 of 10 of the mixer's 128.
-    EXPECT_EQ(Mix_VolumeMusic(-1), 115);
+    // 9 of 10 of the music's level, 0.4 of the mixer's 128: 46.08.
+    EXPECT_EQ(Mix_VolumeMusic(-1), 46);
     for (int i = 0; i < 12; ++i) tap(SDLK_a);
     EXPECT_EQ(g_settings.musicVolume, 0);
     EXPECT_EQ(Mix_VolumeMusic(-1), 0);
