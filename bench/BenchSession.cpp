@@ -209,7 +209,7 @@ void BenchSession::logic() {
 }
 
 void BenchSession::fullFrame() {
-    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
+    clearForFrame();
     g_world->draw();
     g_hud->draw();
     g_fader->draw();

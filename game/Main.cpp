@@ -236,7 +236,7 @@ void startUp(bool fullscreen) {
 
     g_world->debugDraw = false;
     g_hud->debugDraw = false;
-    // Every frame clears the screen before the world is copied onto it.
+    // The world's copy replaces the screen's pixels rather than blending over them.
     g_world->copyOverBlack = true;
     g_apology = new Apology();
     const std::string scores = ScoreFile::defaultPath();
@@ -301,7 +301,7 @@ void drawScreens() {
 // input read, at about 20 frames a second; then the same logic as in play.
 void runPausedFrame() {
     if (g_pause.pictureDue()) {
-        glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
+        clearForFrame();
         g_world->draw();
         g_hud->draw();
         g_pause.drawOverlay();
@@ -315,12 +315,18 @@ void runPausedFrame() {
 
 } // namespace
 
+void clearForFrame() {
+    // A colour clear under a copy that replaces every pixel would only be overwritten unseen.
+    const bool covered = g_world && g_world->copyOverBlack;
+    glClear((covered ? 0 : GL_COLOR_BUFFER_BIT) | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
+}
+
 void runFrame() {
     if (g_pause.paused) {
         runPausedFrame();
         return;
     }
-    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
+    clearForFrame();
     g_world->draw();
     g_hud->draw();
     drawScreens();

@@ -75,6 +75,9 @@ void resetScreenshotNumbers();
 // Start-up: window (full screen unless `fullscreen` is false), resources, scene roots, fader,
 // intro screen, music and sound effects, memory report.
 void startUp(bool fullscreen = true);
+// The start of every drawn frame: clears the depth and stencil buffers, and the colour too unless
+// the world's copy replaces every pixel of the screen.
+void clearForFrame();
 // One pass of the main loop: draw, end the frame, then the runlevel's logic and the global keys.
 void runFrame();
 // The runlevel logic and global keys of one frame, after Orvel::update.

@@ -26,9 +26,10 @@ public:
     orvel::Texture* color1;
     orvel::Texture* color2;
     orvel::Texture* color3;
-    // Set by an owner that clears the screen to black before every draw(), as the game's frame
-    // does: the copy then replaces the screen instead of blending over it, which gives the same
-    // pixels without reading the screen back. False by default: the copy blends.
+    // Set by an owner whose screen would otherwise be black under the copy, as the game's is: the
+    // copy then replaces the screen instead of blending over it, which gives the same pixels
+    // without reading the screen back, and the screen's colour needs no clearing first. False by
+    // default: the copy blends.
     bool copyOverBlack;
 
 private:

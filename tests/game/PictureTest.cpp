@@ -49,7 +49,7 @@ protected:
         SessionTest::SetUp();
         g_world->debugDraw = false;
         g_hud->debugDraw = false;
-        // As the game sets it: drawFrame clears the screen before the world's copy.
+        // As the game sets it: the world's copy replaces the screen.
         g_world->copyOverBlack = true;
         const char* renderer = (const char*)glGetString(GL_RENDERER);
         if (!renderer || std::string(renderer) != RECORDED_RENDERER)
@@ -57,9 +57,13 @@ protected:
                          << (renderer ? renderer : "no renderer");
     }
 
-    // One frame as the main loop draws it.
+    // One frame as the main loop draws it, over a screen painted magenta first: a pixel that the
+    // frame leaves as it was would show in the fingerprint.
     static void drawFrame() {
-        glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
+        glClearColor(1, 0, 1, 1);
+        glClear(GL_COLOR_BUFFER_BIT);
+        glClearColor(0, 0, 0, 0);
+        clearForFrame();
         g_world->draw();
         g_hud->draw();
         g_fader->draw();
