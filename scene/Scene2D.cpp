@@ -37,6 +37,19 @@ void Scene2D::draw() {
     static Scratch scratch;
 
     framebuffer->bind();
+    if (copyOverBlack && !first && !debugDraw) {
+        // Nothing to draw: the walk still keeps the camera's books, and the screen gets what the
+        // copy of the cleared target would give it, the clear colour weighted by its alpha, from
+        // a clear of its own at a fraction of a full-screen copy's cost.
+        drawTree(scratch);
+        Framebuffer::unbindFB();
+        GLfloat c[4];
+        glGetFloatv(GL_COLOR_CLEAR_VALUE, c);
+        glClearColor(c[0] * c[3], c[1] * c[3], c[2] * c[3], c[3] * c[3]);
+        glClear(GL_COLOR_BUFFER_BIT);
+        glClearColor(c[0], c[1], c[2], c[3]);
+        return;
+    }
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     drawTree(scratch);
     copyToScreen();

@@ -17,7 +17,8 @@ public:
     // Unlinks the children (not deleted) and deletes the framebuffer.
     ~Scene2D() override;
 
-    // Renders the tree into the framebuffer, then covers the screen with its colour texture.
+    // Renders the tree into the framebuffer, then covers the screen with its colour texture. A
+    // world with nothing in it and a copy that replaces the screen clears the screen instead.
     void draw();
 
     orvel::Framebuffer* framebuffer; // owned

@@ -27,6 +27,13 @@ protected:
 
     // A root without outlines holding a 40 x 40 leaf at (300, 200) that paints its box in
     // `color` (packed, red in the low byte).
+    // Pixels whose colours differ, the window's own alpha left out.
+    static int differingColours(const Pixels& a, const Pixels& b) {
+        int n = 0;
+        for (size_t i = 0; i < a.data.size(); ++i) n += (a.data[i] & 0xFFFFFFu) != (b.data[i] & 0xFFFFFFu);
+        return n;
+    }
+
     struct OneLeaf {
         Scene2D scene{-1, -1};
         RecordingNode node{40, 40};
@@ -124,6 +131,55 @@ TEST_F(Scene2DTest, ACopyOverBlackGivesTheBlendedCopysPixelsOnABlackScreen) {
         if ((got.data[i] & 0xFFFFFFu) != (expected.data[i] & 0xFFFFFFu)) ++differing;
     }
     EXPECT_EQ(differing, 0);
+}
+
+TEST_F(Scene2DTest, AnEmptyWorldOverBlackGivesTheScreenWhatItsCopyWould) {
+    Scene2D empty(-1, -1);
+    empty.debugDraw = false;
+    empty.copyOverBlack = true;
+    // The same world with a child that draws nothing takes the copy.
+    OneLeaf hidden(0xFF0000FFu);
+    hidden.node.setVisible(false);
+    hidden.scene.copyOverBlack = true;
+    auto copied = drawOver(hidden.scene, 0, 0, 255);
+    auto cleared = drawOver(empty, 0, 0, 255);
+    EXPECT_EQ(rgbAt(cleared, 300, 200), rgb(0, 0, 0));
+    EXPECT_EQ(differingColours(cleared, copied), 0);
+    // Under another clear colour the copy weights it by its alpha, and so does the clear.
+    clearScreen(0, 0, 255);
+    glClearColor(0.4f, 0.8f, 0.2f, 0.5f);
+    hidden.scene.draw();
+    copied = readScreen();
+    clearScreen(0, 0, 255);
+    glClearColor(0.4f, 0.8f, 0.2f, 0.5f);
+    empty.draw();
+    cleared = readScreen();
+    GLfloat after[4];
+    glGetFloatv(GL_COLOR_CLEAR_VALUE, after);
+    glClearColor(0, 0, 0, 0);
+    EXPECT_EQ(rgbAt(cleared, 300, 200), rgb(51, 102, 26));
+    EXPECT_EQ(differingColours(cleared, copied), 0);
+    // The clear colour is left as it was.
+    EXPECT_FLOAT_EQ(after[0], 0.4f);
+    EXPECT_FLOAT_EQ(after[3], 0.5f);
+}
+
+TEST_F(Scene2DTest, AnEmptyWorldThatBlendsOrShowsItsBorderStillTakesTheCopy) {
+    Scene2D blending(-1, -1);
+    blending.debugDraw = false;
+    auto p = drawOver(blending, 0, 0, 255);
+    // The transparent target leaves the blue.
+    EXPECT_EQ(rgbAt(p, 300, 200), rgb(0, 0, 255));
+    Scene2D outlined(-1, -1);
+    outlined.copyOverBlack = true;
+    outlined.wrap = false;
+    outlined.worldWidth = 400;
+    outlined.worldHeight = 300;
+    p = drawOver(outlined, 0, 0, 255);
+    int lit = 0;
+    for (int d = -2; d <= 2; ++d) lit += (rgbAt(p, 400 + d, 150) & 0xFF) > 100;
+    EXPECT_GT(lit, 0);
+    EXPECT_EQ(rgbAt(p, 200, 150), rgb(0, 0, 0));
 }
 
 TEST_F(Scene2DTest, TheTargetIsSampledWithoutFilteringForItsOneToOneCopy) {
