@@ -1,0 +1,228 @@
+// A game recorded and played back in a fresh session runs the same way: every recorded state
+// hash matches, and so do the score, the wave and the lives at the end. What the recorder takes
+// from the frame, and what the playback puts back, are exactly what the game reads.
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "game/GameSessions.h"
+#include "game/Player.h"
+#include "game/ScoreCounter.h"
+#include "game/replay/ReplayPlayback.h"
+#include "game/replay/ReplayRecorder.h"
+#include "game/replay/StateHash.h"
+#include "tests/support/GameSession.h"
+
+using namespace testing_support;
+using orvel::Orvel;
+
+namespace {
+
+// The input of update `i`: mouse buttons, pointer and up to two keys.
+struct Input {
+    uint32_t buttons;
+    int x, y;
+    int key, key2;
+};
+using Script = std::function<Input(int)>;
+// Something done to a fresh session before its first update, the same way at the recording and
+// at the playback.
+using Prelude = std::function<void()>;
+
+// Steering round in a slow square, both guns held now and then, the pointer circling the ship.
+Input wanderAndFire(int i) {
+    static const int KEYS[4] = {SDLK_d, SDLK_s, SDLK_a, SDLK_w};
+    const double a = i / 40.0;
+    Input in;
+    in.buttons = (i / 200) % 3 == 0 ? 0 : (i / 200) % 3 == 1 ? LEFT_BUTTON : LEFT_BUTTON | RIGHT_BUTTON;
+    in.x = 640 + (int)std::lround(250 * std::cos(a));
+    in.y = 360 + (int)std::lround(250 * std::sin(a));
+    in.key = KEYS[(i / 150) % 4];
+    in.key2 = i % 500 < 100 ? KEYS[(i / 150 + 1) % 4] : -1;
+    return in;
+}
+
+// Both guns at the nearest enemy, as drawn on the screen, while steering round in a square.
+Input fightNearest(int i) {
+    Input in = wanderAndFire(i);
+    in.buttons = LEFT_BUTTON | RIGHT_BUTTON;
+    const Enemy* nearest = nullptr;
+    float best = 1e30f;
+    for (unsigned e = 0; e < g_game->enemies.count; ++e) {
+        const Enemy* enemy = g_game->enemies.data[e];
+        const float dx = enemy->position.x - g_game->player->position.x;
+        const float dy = enemy->position.y - g_game->player->position.y;
+        if (dx * dx + dy * dy < best) best = dx * dx + dy * dy, nearest = enemy;
+    }
+    if (nearest) {
+        const orvel::vec2 p = g_world->drawnPosition(nearest->position);
+        in.x = std::min(std::max((int)std::lround(p.x), 0), 1279);
+        in.y = std::min(std::max((int)std::lround(p.y), 0), 719);
+    }
+    return in;
+}
+
+// ms between updates: mostly 16 and 17, now and then a long frame.
+uint32_t stepOf(int i) { return i % 97 == 13 ? 50 : (i % 3 == 0 ? 17 : 16); }
+
+class ReplayDeterminismTest : public SessionTest {
+protected:
+    // A fresh session begun at `start` with generators seeded from `seed`.
+    static void freshSession(int seed, uint32_t start) {
+        GameSessions::end();
+        Orvel::setFrameTime(start, start);
+        GameSessions::begin(seed);
+    }
+
+    // Plays `updates` updates of a fresh session with `script`'s input, drawing every frame when
+    // `draw`, and returns the recording.
+    std::vector<uint8_t> record(int seed, int updates, const Script& script, const Prelude& prelude, bool draw) {
+        freshSession(seed, START);
+        if (prelude) prelude();
+        ReplayRecorder recorder;
+        recorder.begin((uint32_t)seed);
+        framesWithPowerups = 0;
+        uint32_t time = START;
+        for (int i = 0; i < updates; ++i) {
+            const Input in = script(i);
+            setInput(in.buttons, in.x, in.y, in.key, in.key2);
+            const uint32_t last = time;
+            time += stepOf(i);
+            Orvel::setFrameTime(last, time);
+            recorder.beforeUpdate();
+            g_game->update();
+            recorder.afterUpdate(*g_game);
+            if (g_game->powerups.count) ++framesWithPowerups;
+            if (draw) {
+                g_world->draw();
+                g_hud->draw();
+            }
+        }
+        recorder.finish(*g_game);
+        return recorder.file().bytes();
+    }
+
+    // Plays `bytes` back in a fresh session; the frame of the first hash that differs, or -1.
+    static long playBack(const std::vector<uint8_t>& bytes, const Prelude& prelude, replay::Result& result) {
+        replay::Replay r;
+        std::string error;
+        EXPECT_TRUE(replay::read(bytes.data(), bytes.size(), r, error)) << error;
+        if (r.frames.empty()) return -2;
+        freshSession((int)r.header.seed, r.frames[0].time - r.frames[0].sync);
+        if (prelude) prelude();
+        for (size_t i = 0; i < r.frames.size(); ++i) {
+            ReplayPlayback::apply(r.frames[i]);
+            g_game->update();
+            if (r.frames[i].hasHash && stateHash(*g_game) != r.frames[i].hash) return (long)i;
+        }
+        result.score = g_game->scoreCounter->value;
+        result.wave = g_game->wave;
+        result.lives = g_game->lives;
+        EXPECT_EQ(result.score, r.result.score);
+        EXPECT_EQ(result.wave, r.result.wave);
+        EXPECT_EQ(result.lives, r.result.lives);
+        return -1;
+    }
+
+    int framesWithPowerups = 0; // updates of the last recording after which a powerup was out
+};
+
+// Straight to wave 17: sixteen waves started and cleared before play.
+void toWave17() {
+    while (g_game->wave < 17) {
+        while (g_game->enemies.count) delete g_game->enemies.data[0];
+        g_game->nextWave();
+    }
+}
+
+} // namespace
+
+TEST_F(ReplayDeterminismTest, ThreeMinutesAtWaveOnePlayBackExactly) {
+    const std::vector<uint8_t> file = record(4242, 3 * 60 * 60, wanderAndFire, nullptr, false);
+    replay::Result result;
+    EXPECT_EQ(playBack(file, nullptr, result), -1);
+    // The recording was a game: waves came and points were scored.
+    EXPECT_GE(result.wave, 2);
+    EXPECT_GT(result.score, 0);
+    printf("3 minutes: %zu bytes\n", file.size());
+}
+
+TEST_F(ReplayDeterminismTest, AFightAtWaveSeventeenPlaysBackExactly) {
+    const std::vector<uint8_t> file = record(99, 90 * 60, fightNearest, toWave17, false);
+    replay::Result result;
+    EXPECT_EQ(playBack(file, toWave17, result), -1);
+    EXPECT_GE(result.wave, 17);
+    EXPECT_GT(result.score, 0);
+    EXPECT_GT(framesWithPowerups, 0);
+    // The ship died at least once.
+    EXPECT_LT(result.lives, 3);
+}
+
+TEST_F(ReplayDeterminismTest, DrawnFramesDoNotChangeWhatHappens) {
+    // Recorded with every frame drawn, as the game draws them; played back without drawing, as
+    // a replay at a higher speed skips drawn frames.
+    const std::vector<uint8_t> file = record(7, 8 * 60, fightNearest, toWave17, true);
+    replay::Result result;
+    EXPECT_EQ(playBack(file, toWave17, result), -1);
+}
+
+TEST_F(ReplayDeterminismTest, AGameThatRunsOtherwiseIsCaughtAtTheFirstHash) {
+    const std::vector<uint8_t> file = record(4242, 300, wanderAndFire, nullptr, false);
+    replay::Result result;
+    // The ship a unit off where the recording had it.
+    EXPECT_EQ(playBack(file, [] { g_game->player->position.x += 1.0f; }, result),
+              (long)ReplayRecorder::HASH_EVERY - 1);
+}
+
+TEST_F(ReplayDeterminismTest, TheRecordedInputIsWhatTheGameReads) {
+    // Both ship buttons and the middle one, W and D, the pointer far off the screen.
+    setInput(LEFT_BUTTON | RIGHT_BUTTON | 1u << 2, 40000, 300, SDLK_w, SDLK_d);
+    Orvel::setFrameTime(1000, 1016);
+    replay::Frame f = ReplayRecorder::currentInput();
+    EXPECT_EQ(f.time, 1016u);
+    EXPECT_EQ(f.sync, 16u);
+    EXPECT_EQ(f.keys, replay::KEY_W | replay::KEY_D);
+    EXPECT_EQ(f.buttons, LEFT_BUTTON | RIGHT_BUTTON);
+    EXPECT_EQ(f.mouseX, 32767);
+    EXPECT_EQ(f.mouseY, 300);
+    setInput(0, -7, 719, SDLK_a, SDLK_s);
+    Orvel::setFrameTime(1016, 1066);
+    f = ReplayRecorder::currentInput();
+    EXPECT_EQ(f.sync, 50u);
+    EXPECT_EQ(f.keys, replay::KEY_A | replay::KEY_S);
+    EXPECT_EQ(f.buttons, 0);
+    EXPECT_EQ(f.mouseX, -7);
+}
+
+TEST_F(ReplayDeterminismTest, PlaybackPutsBackTheClockAndTheInputAsTheUpdateFoundThem) {
+    replay::Frame f;
+    f.time = 2000;
+    f.sync = 33;
+    f.keys = replay::KEY_A | replay::KEY_S;
+    f.buttons = RIGHT_BUTTON;
+    f.mouseX = -5;
+    f.mouseY = 800;
+    setInput(LEFT_BUTTON, 10, 20, SDLK_w, SDLK_p);
+    ReplayPlayback::apply(f);
+    EXPECT_EQ(Orvel::currentTime, 2000u);
+    EXPECT_EQ(Orvel::lastTime, 1967u);
+    // As Orvel's own update computes them from the same two times.
+    EXPECT_EQ(Orvel::sync, 0.001f * 33.0f);
+    EXPECT_EQ(Orvel::sync16, 2162);
+    EXPECT_TRUE(Orvel::keyDown(SDLK_a));
+    EXPECT_TRUE(Orvel::keyDown(SDLK_s));
+    EXPECT_FALSE(Orvel::keyDown(SDLK_w));
+    EXPECT_FALSE(Orvel::keyDown(SDLK_p));
+    EXPECT_TRUE(Orvel::mouseDown(3));
+    EXPECT_FALSE(Orvel::mouseDown(1));
+    EXPECT_EQ(Orvel::mouseX(), -5);
+    EXPECT_EQ(Orvel::mouseY(), 800);
+    // The frame before is the previous one.
+    EXPECT_TRUE(Orvel::keyReleased(SDLK_w));
+    EXPECT_TRUE(Orvel::keyPressed(SDLK_a));
+    EXPECT_EQ(Orvel::events->mousePrevX, 10);
+    EXPECT_EQ(Orvel::events->buttonsPrev, LEFT_BUTTON);
+}
