@@ -30,6 +30,7 @@
 #include "game/SoundEffects.h"
 #include "game/arcade/GameOverScreen.h"
 #include "game/arcade/IntroScores.h"
+#include "game/replay/LastReplay.h"
 #include "game/desktop/CommandLine.h"
 #include "game/desktop/DisplaySwitch.h"
 #include "game/desktop/Settings.h"
@@ -37,6 +38,7 @@
 #include "game/scores/ScoreFile.h"
 #include "scene/DirectScene2D.h"
 #include "scene/Fader.h"
+#include "scene/ParticleSystem.h"
 #include "scene/Scene2D.h"
 #include "scene/Text.h"
 
@@ -115,8 +117,13 @@ void endIntro() {
 void startGame() {
     g_fader->fadeIn(500);
     endIntro();
+    // Both generators start from a seed of their own, which the replay keeps.
+    const int seed = (int)time(nullptr);
+    g_rand.init(seed);
+    ParticleSystem::random.init(seed);
     g_game = new Game();
     g_game->init();
+    if (g_lastReplay) g_lastReplay->begin((uint32_t)seed);
     runlevel = RUNLEVEL_GAME;
     Mix_PlayMusic(music, -1);
 }
@@ -126,7 +133,9 @@ void startGame() {
 void playAgain() {
     g_gameOver->reset();
     GameSessions::end();
-    GameSessions::begin((int)time(nullptr));
+    const int seed = (int)time(nullptr);
+    GameSessions::begin(seed);
+    if (g_lastReplay) g_lastReplay->begin((uint32_t)seed);
     g_fader->fadeIn(500);
 }
 
@@ -241,6 +250,8 @@ void startUp(bool fullscreen) {
     g_apology = new Apology();
     const std::string scores = ScoreFile::defaultPath();
     introScores = new IntroScores(scores);
+    delete g_lastReplay;
+    g_lastReplay = new LastReplay(LastReplay::defaultPath());
     g_gameOver = new GameOverScreen(scores);
     startAudio();
 
@@ -255,7 +266,9 @@ void runFrameLogic() {
     if (runlevel == RUNLEVEL_GAME) {
         g_pause.update(SDL_GetTicks());
         if (!g_pause.paused) {
+            if (g_lastReplay) g_lastReplay->beforeUpdate();
             g_game->update();
+            if (g_lastReplay) g_lastReplay->afterUpdate(*g_game);
             if (g_gameOver) g_gameOver->update();
         }
     }
@@ -284,6 +297,8 @@ void runFrameLogic() {
         Mix_FadeOutMusic(950);
         g_sound.fadeOutAll(950);
         runlevel = RUNLEVEL_FADING_OUT;
+        // A game left before it was over is kept as it stands.
+        if (g_lastReplay && g_game) g_lastReplay->save(*g_game);
     }
     if (Orvel::keyPressed(SDLK_F1)) saveScreenshot();
     if (runlevel == RUNLEVEL_FADING_OUT && g_fader->done()) runlevel = RUNLEVEL_QUIT;
@@ -337,6 +352,10 @@ void runFrame() {
 
 namespace {
 
+void keepReplayAtExit() {
+    if (g_lastReplay && g_game) g_lastReplay->save(*g_game);
+}
+
 // The settings as the file keeps them. The command line's choices are not among them: they hold
 // for this run, and a change saved later does not write them into the file.
 void loadSettings() {
@@ -370,6 +389,8 @@ int runNightvector(int argc, char** argv) {
     const int cap = options.frameCap >= 0 ? options.frameCap : g_settings.frameCap;
     Orvel::pacer.setCap(cap == Settings::FRAME_CAP_DISPLAY ? DisplayRate::refreshHz() : cap);
     g_pause.panel = new SettingsPanel(settingsFile);
+    // Closing the window ends the program inside a frame: the game being played is kept then.
+    std::atexit(keepReplayAtExit);
     while (runlevel != RUNLEVEL_QUIT) runFrame();
     Orvel::quit();
     return 0;
