@@ -31,6 +31,7 @@
 #include "game/arcade/GameOverScreen.h"
 #include "game/arcade/IntroScores.h"
 #include "game/replay/LastReplay.h"
+#include "game/replay/ReplayViewer.h"
 #include "game/desktop/CommandLine.h"
 #include "game/desktop/DisplaySwitch.h"
 #include "game/desktop/Settings.h"
@@ -124,6 +125,17 @@ void startGame() {
     g_game = new Game();
     g_game->init();
     if (g_lastReplay) g_lastReplay->begin((uint32_t)seed);
+    runlevel = RUNLEVEL_GAME;
+    Mix_PlayMusic(music, -1);
+}
+
+// In place of the intro: the replay's session begun, and played from the next frame on.
+void startReplay(const replay::Replay& replay) {
+    endIntro();
+    g_replayViewer = new ReplayViewer(replay);
+    g_replayViewer->start();
+    g_fader->color = vec4(0, 0, 0, 1);
+    g_fader->fadeIn(500);
     runlevel = RUNLEVEL_GAME;
     Mix_PlayMusic(music, -1);
 }
@@ -263,7 +275,9 @@ void runFrameLogic() {
     g_gamepad.apply(SDL_GetTicks());
     if (DisplaySwitch::requested()) DisplaySwitch::toggle(settingsFile);
     if (runlevel == RUNLEVEL_MENU) g_menu->update();
-    if (runlevel == RUNLEVEL_GAME) {
+    if (runlevel == RUNLEVEL_GAME && g_replayViewer) {
+        g_replayViewer->update();
+    } else if (runlevel == RUNLEVEL_GAME) {
         g_pause.update(SDL_GetTicks());
         if (!g_pause.paused) {
             if (g_lastReplay) g_lastReplay->beforeUpdate();
@@ -287,8 +301,10 @@ void runFrameLogic() {
         g_fader->done())
         playAgain();
 
-    // Escape waits for a running fade to finish; the music fades 50 ms ahead of the picture.
-    if (g_fader->done() && Orvel::keyPressed(SDLK_ESCAPE)) {
+    // Escape waits for a running fade to finish; the music fades 50 ms ahead of the picture. A
+    // replay played to its end leaves the same way.
+    const bool replayOver = runlevel == RUNLEVEL_GAME && g_replayViewer && g_replayViewer->finished();
+    if (g_fader->done() && (Orvel::keyPressed(SDLK_ESCAPE) || replayOver)) {
         // Out of a pause first: the fades run on the clock, and the music fades from playing.
         g_pause.leave(SDL_GetTicks());
         // A name being typed is kept as it stands.
@@ -308,6 +324,7 @@ namespace {
 
 // The game-over screen in play, the scores table over the intro.
 void drawScreens() {
+    if (runlevel == RUNLEVEL_GAME && g_replayViewer) g_replayViewer->draw();
     if (runlevel == RUNLEVEL_GAME && g_gameOver) g_gameOver->draw();
     if (runlevel == RUNLEVEL_INTRO && introScores) introScores->draw();
 }
@@ -380,6 +397,16 @@ int runNightvector(int argc, char** argv) {
     case CommandLine::RUN:
         break;
     }
+    // A replay is read and checked before anything else: a file that cannot be played starts
+    // nothing.
+    replay::Replay replay;
+    if (!options.replayFile.empty()) {
+        std::string error;
+        if (!ReplayViewer::load(options.replayFile, replay, error)) {
+            fprintf(stderr, "nightvector: cannot play %s: %s\n", options.replayFile.c_str(), error.c_str());
+            return CommandLine::USAGE_STATUS;
+        }
+    }
     loadSettings();
     bool fullscreen = g_settings.fullscreen;
     if (options.display != LaunchOptions::DISPLAY_UNSET)
@@ -389,6 +416,7 @@ int runNightvector(int argc, char** argv) {
     const int cap = options.frameCap >= 0 ? options.frameCap : g_settings.frameCap;
     Orvel::pacer.setCap(cap == Settings::FRAME_CAP_DISPLAY ? DisplayRate::refreshHz() : cap);
     g_pause.panel = new SettingsPanel(settingsFile);
+    if (!options.replayFile.empty()) startReplay(replay);
     // Closing the window ends the program inside a frame: the game being played is kept then.
     std::atexit(keepReplayAtExit);
     while (runlevel != RUNLEVEL_QUIT) runFrame();

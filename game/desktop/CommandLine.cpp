@@ -8,12 +8,13 @@
 
 namespace {
 
-enum OptionCode { OPTION_WINDOW = 256, OPTION_FULLSCREEN, OPTION_FRAME_CAP, OPTION_VERSION };
+enum OptionCode { OPTION_WINDOW = 256, OPTION_FULLSCREEN, OPTION_FRAME_CAP, OPTION_REPLAY, OPTION_VERSION };
 
 const struct option OPTIONS[] = {
     {"window", no_argument, nullptr, OPTION_WINDOW},
     {"fullscreen", no_argument, nullptr, OPTION_FULLSCREEN},
     {"frame-cap", required_argument, nullptr, OPTION_FRAME_CAP},
+    {"replay", required_argument, nullptr, OPTION_REPLAY},
     {"help", no_argument, nullptr, 'h'},
     {"version", no_argument, nullptr, OPTION_VERSION},
     {nullptr, 0, nullptr, 0},
@@ -42,6 +43,7 @@ std::string CommandLine::usage(const char* program) {
            "  --fullscreen      play on the whole screen\n"
            "  --frame-cap N     at most N frames a second where the display does not pace\n"
            "                    them (0 for no cap; the display's refresh rate without it)\n"
+           "  --replay FILE     play the game kept in FILE, and exit at its end or on Escape\n"
            "  -h, --help        show this help and exit\n"
            "      --version     show the version and exit\n"
            "\n"
@@ -74,6 +76,10 @@ CommandLine::Outcome CommandLine::parse(int argc, char** argv, LaunchOptions& op
             if (!readFrameCap(optarg, options.frameCap))
                 mistake = std::string("invalid frame cap '") + optarg + "': a whole number from 0 to " +
                           std::to_string(Settings::FRAME_CAP_MAX) + " is needed";
+            break;
+        case OPTION_REPLAY:
+            if (!*optarg) mistake = "option '--replay' needs a file";
+            options.replayFile = optarg;
             break;
         case ':':
             mistake = std::string("option '") + argv[optind - 1] + "' needs a value";

@@ -1,6 +1,6 @@
 #pragma once
-// The program's command line, GNU style: --window, --fullscreen, --frame-cap N, --help and
-// --version. With no arguments the game starts as it always has.
+// The program's command line, GNU style: --window, --fullscreen, --frame-cap N, --replay FILE,
+// --help and --version. With no arguments the game starts as it always has.
 
 #include <string>
 
@@ -15,6 +15,8 @@ struct LaunchOptions {
     // Frames a second at most where the display does not pace them, 0 for no cap; -1 when the
     // command line does not say.
     int frameCap = -1;
+    // A replay to play instead of the game; "" for none.
+    std::string replayFile;
 };
 
 class CommandLine {

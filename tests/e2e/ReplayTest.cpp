@@ -90,3 +90,91 @@ TEST(Replay, NoGameLeavesNoReplay) {
     e2e::quitWithEscape(game);
     EXPECT_FALSE(dir.exists("home/data/nightvector/replays/last.nvr"));
 }
+
+namespace {
+
+// The replay a played game left, for the runs that play it.
+std::string recordAGame(Surroundings& dir) {
+    GameProcess game(dir.path());
+    playAWhile(game);
+    e2e::quitWithEscape(game);
+    return dir.path() + "/home/data/nightvector/replays/last.nvr";
+}
+
+} // namespace
+
+TEST(Replay, TheLastReplayPlaysToItsEndAndExitsWithStatusZero) {
+    Surroundings dir;
+    dir.linkData();
+    const std::string file = recordAGame(dir);
+    ASSERT_FALSE(testing_support::fileContents(file).empty());
+    GameProcess viewer(dir.path(), {}, {"--replay", file});
+    ASSERT_TRUE(viewer.waitForOutput("megabytes\n")) << viewer.errors();
+    // The game played for about seven seconds; the replay takes as long.
+    EXPECT_EQ(viewer.waitForExit(60000), 0);
+    EXPECT_EQ(viewer.errors(), "");
+}
+
+TEST(Replay, EscapeLeavesAReplayWithStatusZero) {
+    Surroundings dir;
+    dir.linkData();
+    const std::string file = recordAGame(dir);
+    GameProcess viewer(dir.path(), {}, {"--replay", file});
+    ASSERT_TRUE(viewer.waitForOutput("megabytes\n")) << viewer.errors();
+    e2e::pause(1000);
+    e2e::quitWithEscape(viewer);
+}
+
+TEST(Replay, AFileThatCannotBePlayedExitsWithStatusTwoAndStartsNothing) {
+    Surroundings dir;
+    dir.linkData();
+    const std::string whole = testing_support::fileContents(recordAGame(dir));
+    ASSERT_GT(whole.size(), 40u);
+    dir.writeFile("cut.nvr", whole.substr(0, whole.size() - 9));
+    dir.writeFile("text.nvr", "nightvector settings 1\n");
+    std::string newer = whole;
+    newer[6] = 2; // the header's format, after "NVRP", the tag and the length
+    dir.writeFile("newer.nvr", newer);
+    const struct {
+        const char* file;
+        const char* why;
+    } cases[] = {
+        {"cut.nvr", "cut short"},
+        {"text.nvr", "not a Nightvector replay"},
+        {"newer.nvr", "made in replay format 2, and this game reads format 1"},
+        {"missing.nvr", "No such file or directory"},
+    };
+    for (const auto& c : cases) {
+        const std::string path = dir.path() + "/" + c.file;
+        GameProcess viewer(dir.path(), {}, {"--replay", path});
+        EXPECT_EQ(viewer.waitForExit(), 2) << c.file;
+        EXPECT_EQ(viewer.errors(), "nightvector: cannot play " + path + ": " + c.why + "\n");
+        // Nothing was loaded and no window opened.
+        EXPECT_EQ(viewer.output(), "") << c.file;
+    }
+}
+
+TEST(Replay, AReplayThatRunsOtherwiseSaysWhereAndLeaves) {
+    Surroundings dir;
+    dir.linkData();
+    const std::string bytes = testing_support::fileContents(recordAGame(dir));
+    replay::Replay r;
+    std::string error;
+    ASSERT_TRUE(replay::read((const uint8_t*)bytes.data(), bytes.size(), r, error)) << error;
+    // The second recorded hash made wrong, in a file that is otherwise whole.
+    size_t hashed = 0, changed = 0;
+    for (size_t i = 0; i < r.frames.size(); ++i)
+        if (r.frames[i].hasHash && ++hashed == 2) {
+            r.frames[i].hash ^= 1;
+            changed = i;
+        }
+    ASSERT_EQ(hashed >= 2, true) << hashed;
+    replay::Writer w;
+    w.begin(r.header);
+    for (const replay::Frame& f : r.frames) w.add(f);
+    w.finish(r.result);
+    dir.writeFile("wrong.nvr", std::string(w.bytes().begin(), w.bytes().end()));
+    GameProcess viewer(dir.path(), {}, {"--replay", dir.path() + "/wrong.nvr"});
+    EXPECT_EQ(viewer.waitForExit(60000), 0);
+    EXPECT_EQ(viewer.errors(), "Replay diverged at frame " + std::to_string(changed) + "\n");
+}

@@ -36,6 +36,7 @@ const std::string USAGE = "Usage: nightvector [OPTION]...\n"
                           "  --fullscreen      play on the whole screen\n"
                           "  --frame-cap N     at most N frames a second where the display does not pace\n"
                           "                    them (0 for no cap; the display's refresh rate without it)\n"
+                          "  --replay FILE     play the game kept in FILE, and exit at its end or on Escape\n"
                           "  -h, --help        show this help and exit\n"
                           "      --version     show the version and exit\n"
                           "\n"
@@ -85,6 +86,21 @@ TEST(CommandLine, ABadFrameCapIsAMistakeThatSaysWhatIsNeeded) {
     const Parsed missing = parse({"--frame-cap"});
     EXPECT_EQ(missing.outcome, CommandLine::EXIT_USAGE);
     EXPECT_EQ(missing.err, "nightvector: option '--frame-cap' needs a value\n" + USAGE);
+}
+
+TEST(CommandLine, ReplayNamesTheFileToPlay) {
+    EXPECT_EQ(parse({}).options.replayFile, "");
+    const Parsed p = parse({"--replay", "games/best.nvr", "--window"});
+    EXPECT_EQ(p.outcome, CommandLine::RUN);
+    EXPECT_EQ(p.options.replayFile, "games/best.nvr");
+    EXPECT_EQ(p.options.display, LaunchOptions::DISPLAY_WINDOW);
+    EXPECT_EQ(parse({"--replay=last.nvr"}).options.replayFile, "last.nvr");
+    const Parsed missing = parse({"--replay"});
+    EXPECT_EQ(missing.outcome, CommandLine::EXIT_USAGE);
+    EXPECT_EQ(missing.err, "nightvector: option '--replay' needs a value\n" + USAGE);
+    const Parsed empty = parse({"--replay", ""});
+    EXPECT_EQ(empty.outcome, CommandLine::EXIT_USAGE);
+    EXPECT_EQ(empty.err, "nightvector: option '--replay' needs a file\n" + USAGE);
 }
 
 TEST(CommandLine, HelpPrintsTheUsageOnStandardOutputAndExits) {

@@ -13,6 +13,7 @@
 #include "game/ScoreCounter.h"
 #include "game/replay/ReplayPlayback.h"
 #include "game/replay/ReplayRecorder.h"
+#include "game/replay/ReplayViewer.h"
 #include "game/replay/StateHash.h"
 #include "tests/support/GameSession.h"
 
@@ -225,4 +226,95 @@ TEST_F(ReplayDeterminismTest, PlaybackPutsBackTheClockAndTheInputAsTheUpdateFoun
     EXPECT_TRUE(Orvel::keyPressed(SDLK_a));
     EXPECT_EQ(Orvel::events->mousePrevX, 10);
     EXPECT_EQ(Orvel::events->buttonsPrev, LEFT_BUTTON);
+}
+
+namespace {
+
+replay::Replay readReplay(const std::vector<uint8_t>& bytes) {
+    replay::Replay r;
+    std::string error;
+    EXPECT_TRUE(replay::read(bytes.data(), bytes.size(), r, error)) << error;
+    return r;
+}
+
+} // namespace
+
+TEST_F(ReplayDeterminismTest, TheViewerStepsOneTwoOrFourUpdatesAFrameAndSpacePauses) {
+    const replay::Replay r = readReplay(record(11, 200, wanderAndFire, nullptr, false));
+    ReplayViewer viewer(r);
+    viewer.start();
+    setInput(0, 0, 0);
+    viewer.update();
+    EXPECT_EQ(viewer.framesPlayed(), 1u);
+    setInput(0, 0, 0, SDLK_2);
+    viewer.update();
+    EXPECT_EQ(viewer.framesPlayed(), 3u);
+    EXPECT_EQ(viewer.speed(), 2);
+    setInput(0, 0, 0);
+    viewer.update();
+    EXPECT_EQ(viewer.framesPlayed(), 5u);
+    setInput(0, 0, 0, SDLK_4);
+    viewer.update();
+    EXPECT_EQ(viewer.framesPlayed(), 9u);
+    setInput(0, 0, 0, SDLK_1);
+    viewer.update();
+    EXPECT_EQ(viewer.framesPlayed(), 10u);
+    setInput(0, 0, 0, SDLK_SPACE);
+    viewer.update();
+    EXPECT_TRUE(viewer.paused());
+    setInput(0, 0, 0);
+    viewer.update();
+    viewer.update();
+    EXPECT_EQ(viewer.framesPlayed(), 10u);
+    // The picture stands at the last update's time.
+    EXPECT_EQ(Orvel::currentTime, r.frames[9].time);
+    setInput(0, 0, 0, SDLK_SPACE);
+    viewer.update();
+    EXPECT_FALSE(viewer.paused());
+    EXPECT_EQ(viewer.framesPlayed(), 11u);
+}
+
+TEST_F(ReplayDeterminismTest, ThePlayersInputDoesNotReachTheShipAndIsThereAfterwards) {
+    const replay::Replay r = readReplay(record(12, 300, wanderAndFire, nullptr, false));
+    ReplayViewer viewer(r);
+    viewer.start();
+    while (!viewer.finished()) {
+        // The player steers left with both guns held, the pointer in a corner.
+        setInput(LEFT_BUTTON | RIGHT_BUTTON, 0, 0, SDLK_a, SDLK_w);
+        viewer.update();
+        EXPECT_TRUE(Orvel::keyDown(SDLK_a));
+        EXPECT_EQ(Orvel::mouseX(), 0);
+    }
+    EXPECT_EQ(viewer.divergence(), -1);
+    EXPECT_EQ(viewer.framesPlayed(), 300u);
+    EXPECT_EQ(g_game->scoreCounter->value, r.result.score);
+    EXPECT_EQ(g_game->lives, r.result.lives);
+}
+
+TEST_F(ReplayDeterminismTest, TheLabelGivesTheTimeIntoTheReplay) {
+    const replay::Replay r = readReplay(record(13, 4000, wanderAndFire, nullptr, false));
+    ReplayViewer viewer(r);
+    viewer.start();
+    EXPECT_EQ(viewer.label(), "Replay  0:00");
+    setInput(0, 0, 0, SDLK_4);
+    while (!viewer.finished()) viewer.update();
+    const uint32_t ms = r.frames.back().time - r.frames.front().time;
+    char expected[32];
+    snprintf(expected, sizeof expected, "Replay  %u:%02u", ms / 60000, ms / 1000 % 60);
+    EXPECT_EQ(viewer.label(), expected);
+    // 3,999 steps: 42 of 50 ms, 1,319 of 17 and 2,638 of 16, 66,731 ms in all.
+    EXPECT_EQ(viewer.label(), "Replay  1:06");
+}
+
+TEST_F(ReplayDeterminismTest, AHashThatDiffersStopsThePlaybackWithOneLine) {
+    replay::Replay r = readReplay(record(14, 200, wanderAndFire, nullptr, false));
+    r.frames[119].hash ^= 1;
+    ReplayViewer viewer(r);
+    viewer.start();
+    testing::internal::CaptureStderr();
+    setInput(0, 0, 0);
+    while (!viewer.finished()) viewer.update();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "Replay diverged at frame 119\n");
+    EXPECT_EQ(viewer.divergence(), 119);
+    EXPECT_EQ(viewer.framesPlayed(), 120u);
 }
