@@ -75,6 +75,14 @@ std::string runOn(const std::string& display, const std::string& command) {
     return e2e::commandOutput("export DISPLAY=" + display + "; " + command);
 }
 
+// Holds Escape on `display` until the game has gone; its exit status.
+int escapeOn(const std::string& display, GameProcess& game) {
+    runOn(display, "xdotool keydown Escape");
+    const int status = game.waitForExit();
+    runOn(display, "xdotool keyup Escape");
+    return status;
+}
+
 // The size of the game's window on `display` as xdotool reports it ("1280x720"), "" if none.
 std::string windowSize(const std::string& display) {
     std::string size = runOn(display, "xdotool search --name '^Nightvector' getwindowgeometry 2>/dev/null"
@@ -135,10 +143,7 @@ TEST(CommandLine, WindowPlaysIn1280By720OnALargerScreenAndFullScreenCoversTheScr
         EXPECT_EQ(windowSize(screen.display), "1280x720") << option;
         const std::string covering = runOn(screen.display, "xwininfo -root -children | grep -c ' 1920x1080+0+0 '");
         EXPECT_EQ(covering, window ? "0\n" : "1\n") << option;
-        // Escape held on that screen until the game has gone.
-        runOn(screen.display, "xdotool keydown Escape");
-        EXPECT_EQ(game.waitForExit(), 0) << option;
-        runOn(screen.display, "xdotool keyup Escape");
+        EXPECT_EQ(escapeOn(screen.display, game), 0) << option;
     }
 }
 
@@ -178,9 +183,7 @@ TEST(Settings, TheFilesWindowIsUsedAndAltReturnSwitchesToFullScreenAndKeepsIt) {
     }
     EXPECT_TRUE(covered);
     // Still on the intro: Alt+Return started nothing.
-    runOn(screen.display, "xdotool keydown Escape");
-    EXPECT_EQ(game.waitForExit(), 0);
-    runOn(screen.display, "xdotool keyup Escape");
+    EXPECT_EQ(escapeOn(screen.display, game), 0);
     EXPECT_EQ(testing_support::fileContents(dir.path() + "/home/config/nightvector/settings"),
               "nightvector settings 1\n"
               "music-volume = 10\n"
@@ -201,9 +204,7 @@ TEST(Settings, TheCommandLineOverridesTheFileForThisRunOnly) {
     GameProcess game(dir.path(), {"DISPLAY=" + screen.display}, {"--fullscreen"});
     ASSERT_TRUE(game.waitForOutput("megabytes\n")) << game.errors();
     EXPECT_TRUE(screenCovered(screen.display));
-    runOn(screen.display, "xdotool keydown Escape");
-    EXPECT_EQ(game.waitForExit(), 0);
-    runOn(screen.display, "xdotool keyup Escape");
+    EXPECT_EQ(escapeOn(screen.display, game), 0);
     EXPECT_EQ(testing_support::fileContents(dir.path() + "/home/config/nightvector/settings"), WINDOWED);
 }
 
@@ -225,9 +226,7 @@ TEST(Settings, AChangeSavedDuringARunDoesNotKeepTheCommandLinesChoices) {
         if (saved.find("display") == std::string::npos) saved.clear();
         if (saved.empty()) e2e::pause(100);
     }
-    runOn(screen.display, "xdotool keydown Escape");
-    EXPECT_EQ(game.waitForExit(), 0);
-    runOn(screen.display, "xdotool keyup Escape");
+    EXPECT_EQ(escapeOn(screen.display, game), 0);
     EXPECT_EQ(saved, "nightvector settings 1\n"
                      "music-volume = 4\n"
                      "effects-volume = 10\n"
@@ -338,9 +337,7 @@ TEST(Display, FullScreenKeepsThePointerOnThePictureAndLetsItGoWhilePaused) {
     tapOn(screen.display, "p");
     e2e::pause(500);
     EXPECT_TRUE(pointerHeldOnThePicture(screen.display));
-    runOn(screen.display, "xdotool keydown Escape");
-    EXPECT_EQ(game.waitForExit(), 0);
-    runOn(screen.display, "xdotool keyup Escape");
+    EXPECT_EQ(escapeOn(screen.display, game), 0);
     EXPECT_EQ(game.errors(), "");
 }
 
@@ -357,7 +354,5 @@ TEST(Display, AWindowNeverHoldsThePointer) {
     EXPECT_EQ(pointerAfterMoveTo(screen.display, 1900, 1070), "1900 1070");
     EXPECT_EQ(pointerAfterMoveTo(screen.display, 10, 10), "10 10");
     pointerAfterMoveTo(screen.display, 600, 300);
-    runOn(screen.display, "xdotool keydown Escape");
-    EXPECT_EQ(game.waitForExit(), 0);
-    runOn(screen.display, "xdotool keyup Escape");
+    EXPECT_EQ(escapeOn(screen.display, game), 0);
 }

@@ -117,17 +117,22 @@ int offCentreFrames(const Recording& r) {
     return n;
 }
 
+// Two games recorded alike, the second with `button` held from `settleMs` before its window:
+// both end with status 0 and both windows hold sound to measure. How much depends on how busy
+// the machine was, since the device writes as the mixer keeps up, so no length is asserted.
+void recordBoth(int button, int settleMs, Recording& quiet, Recording& held) {
+    ASSERT_NO_FATAL_FAILURE(record(NO_BUTTON, settleMs, quiet));
+    ASSERT_NO_FATAL_FAILURE(record(button, settleMs, held));
+    EXPECT_EQ(quiet.exitStatus, 0);
+    EXPECT_EQ(held.exitStatus, 0);
+    for (const Recording* r : {&quiet, &held}) ASSERT_GT(r->windowEnd, r->windowStart);
+}
+
 } // namespace
 
 TEST(Sound, HoldingFireAddsTheShotsAboveTheMusic) {
     Recording quiet, firing;
-    ASSERT_NO_FATAL_FAILURE(record(NO_BUTTON, 0, quiet));
-    ASSERT_NO_FATAL_FAILURE(record(PLASMA, 0, firing));
-    EXPECT_EQ(quiet.exitStatus, 0);
-    EXPECT_EQ(firing.exitStatus, 0);
-    // Both windows hold sound to measure. How much depends on how busy the machine was, since
-    // the device writes as the mixer keeps up, so no length is asserted.
-    for (const Recording* r : {&quiet, &firing}) ASSERT_GT(r->windowEnd, r->windowStart);
+    ASSERT_NO_FATAL_FAILURE(recordBoth(PLASMA, 0, quiet, firing));
     // The music plays in both.
     EXPECT_GT(energy(quiet), 1e-3);
     EXPECT_GT(energy(firing), 1e-3);
@@ -142,12 +147,8 @@ TEST(Sound, HoldingFireAddsTheShotsAboveTheMusic) {
 
 TEST(Sound, TheLaserHumIsHeardAboveTheMusicAtTheDefaultMix) {
     Recording quiet, beam;
-    ASSERT_NO_FATAL_FAILURE(record(NO_BUTTON, 700, quiet));
     // The beam's start sound lasts 0.45 s; the window then holds its hum alone over the music.
-    ASSERT_NO_FATAL_FAILURE(record(LASER, 700, beam));
-    EXPECT_EQ(quiet.exitStatus, 0);
-    EXPECT_EQ(beam.exitStatus, 0);
-    for (const Recording* r : {&quiet, &beam}) ASSERT_GT(r->windowEnd, r->windowStart);
+    ASSERT_NO_FATAL_FAILURE(recordBoth(LASER, 700, quiet, beam));
     EXPECT_GT(energy(quiet), 1e-4);
     // Where the ear is keenest, the hum carries at least five times the music's energy over
     // these two seconds (7 dB above it).
