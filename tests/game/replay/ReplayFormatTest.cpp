@@ -5,7 +5,9 @@
 #include "game/replay/ReplayFormat.h"
 
 #include <cmath>
+#include <algorithm>
 #include <cstring>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -234,4 +236,45 @@ TEST(ReplayFormat, AFileLargerThanAnyReplayIsRefusedUnread) {
     std::vector<uint8_t> bytes = livelyFile(10);
     bytes.resize(MAX_FILE_BYTES + 1);
     EXPECT_EQ(errorOf(bytes), "too large to be a replay");
+}
+
+TEST(ReplayFormat, TenThousandMutatedFilesAreReadOrRefusedWithAReason) {
+    const std::vector<uint8_t> whole = livelyFile(1500);
+    std::mt19937 rng(20261125);
+    int refused = 0;
+    for (int n = 0; n < 10000; ++n) {
+        std::vector<uint8_t> bytes = whole;
+        const int edits = 1 + (int)(rng() % 4);
+        for (int e = 0; e < edits && !bytes.empty(); ++e) {
+            const size_t at = rng() % bytes.size();
+            switch (rng() % 5) {
+            case 0: // a bit flipped
+                bytes[at] ^= (uint8_t)(1u << (rng() % 8));
+                break;
+            case 1: // a byte replaced
+                bytes[at] = (uint8_t)rng();
+                break;
+            case 2: // cut there
+                bytes.resize(at);
+                break;
+            case 3: // a byte put in
+                bytes.insert(bytes.begin() + (long)at, (uint8_t)rng());
+                break;
+            default: // a run of bytes taken out
+                bytes.erase(bytes.begin() + (long)at, bytes.begin() + (long)std::min(bytes.size(), at + 1 + rng() % 64));
+                break;
+            }
+        }
+        replay::Replay r;
+        std::string error;
+        if (read(bytes.data(), bytes.size(), r, error)) {
+            // Only a file that is whole again can read: the same frames.
+            ASSERT_EQ(r.frames.size(), 1500u) << "mutation " << n;
+        } else {
+            ASSERT_FALSE(error.empty()) << "mutation " << n;
+            ASSERT_TRUE(r.frames.empty()) << "mutation " << n;
+            ++refused;
+        }
+    }
+    EXPECT_GE(refused, 9990);
 }
