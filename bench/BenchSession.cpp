@@ -123,6 +123,7 @@ BenchSession::BenchSession(int wave, bool explosive) : frame(0), explosive(explo
 
     g_game = new Game();
     g_game->init();
+    recorder.begin(1234);
     // Each wave's enemies go before the next wave comes, so only wave `wave`'s are listed.
     while (g_game->wave < wave) {
         while (g_game->enemies.count > 0) delete g_game->enemies.data[0];
@@ -206,6 +207,12 @@ void BenchSession::prepareFrame() {
 
 void BenchSession::logic() {
     g_game->update();
+}
+
+void BenchSession::recordedLogic() {
+    recorder.beforeUpdate();
+    g_game->update();
+    recorder.afterUpdate(*g_game);
 }
 
 void BenchSession::fullFrame() {

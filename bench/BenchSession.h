@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "engine/Vector.h"
+#include "game/replay/ReplayRecorder.h"
 
 class Enemy;
 
@@ -42,6 +43,8 @@ public:
     void prepareFrame();
     // The game logic of one frame.
     void logic();
+    // The same with the frame recorded for the replay, as the game records every update.
+    void recordedLogic();
     // One whole frame as the main loop runs it: clear, world, HUD, fader, the buffer swap,
     // logic, then glFinish so the drawing is done when the call returns.
     void fullFrame();
@@ -49,6 +52,7 @@ public:
     // Explosion particles alive at the current clock.
     int liveExplosionParticles() const;
 
+    ReplayRecorder recorder; // recording since the session was built
     int frame;      // frames prepared so far
     bool explosive; // kills an enemy every KILL_INTERVAL frames
     // Frames between the script's kills in an explosive session: 20 explosions a second of

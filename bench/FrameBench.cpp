@@ -202,6 +202,11 @@ void Logic(benchmark::State& state) {
     runScenario(state, &BenchSession::logic);
 }
 
+// Game::update with every frame recorded for the replay, as the game records it.
+void LogicRecording(benchmark::State& state) {
+    runScenario(state, &BenchSession::recordedLogic);
+}
+
 // Clear, world, HUD, fader, swap, logic and glFinish.
 void FullFrame(benchmark::State& state) {
     runScenario(state, &BenchSession::fullFrame);
@@ -235,6 +240,7 @@ void waves(benchmark::internal::Benchmark* b) {
 } // namespace
 
 BENCHMARK(Logic)->Apply(waves);
+BENCHMARK(LogicRecording)->ArgName("wave")->Arg(17)->Iterations(MEASURED_FRAMES)->UseManualTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(FullFrame)->Apply(waves);
 // Fewer measured frames: a kill every third frame would empty the swarm within 700 frames.
 BENCHMARK(LogicExplosions)->ArgName("wave")->Arg(17)->Iterations(EXPLOSIVE_FRAMES)->UseManualTime()->Unit(benchmark::kMillisecond);

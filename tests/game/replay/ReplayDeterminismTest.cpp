@@ -3,6 +3,7 @@
 // from the frame, and what the playback puts back, are exactly what the game reads.
 
 #include <algorithm>
+#include <cstdlib>
 #include <cmath>
 #include <functional>
 #include <string>
@@ -15,12 +16,16 @@
 #include "game/replay/ReplayRecorder.h"
 #include "game/replay/ReplayViewer.h"
 #include "game/replay/StateHash.h"
+#include "tests/support/FileChecks.h"
 #include "tests/support/GameSession.h"
 
 using namespace testing_support;
 using orvel::Orvel;
 
 namespace {
+
+// The fight at wave 17 as the Release build recorded it.
+const char* const RELEASE_REPLAY = "tests/game/replay/release-wave17.nvr";
 
 // The input of update `i`: mouse buttons, pointer and up to two keys.
 struct Input {
@@ -153,6 +158,9 @@ TEST_F(ReplayDeterminismTest, ThreeMinutesAtWaveOnePlayBackExactly) {
 
 TEST_F(ReplayDeterminismTest, AFightAtWaveSeventeenPlaysBackExactly) {
     const std::vector<uint8_t> file = record(99, 90 * 60, fightNearest, toWave17, false);
+    // Kept for the test across builds when asked: RELEASE_REPLAY names it.
+    if (const char* keep = std::getenv("NIGHTVECTOR_KEEP_REPLAY"))
+        writeFileContents(keep, std::string(file.begin(), file.end()));
     replay::Result result;
     EXPECT_EQ(playBack(file, toWave17, result), -1);
     EXPECT_GE(result.wave, 17);
@@ -317,4 +325,15 @@ TEST_F(ReplayDeterminismTest, AHashThatDiffersStopsThePlaybackWithOneLine) {
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "Replay diverged at frame 119\n");
     EXPECT_EQ(viewer.divergence(), 119);
     EXPECT_EQ(viewer.framesPlayed(), 120u);
+}
+
+TEST_F(ReplayDeterminismTest, AFightRecordedByTheReleaseBuildPlaysBackExactlyInThisOne) {
+    // RELEASE_REPLAY is the fight above as the Release build (-O3) recorded it; the sanitizer
+    // build (-O1) and the test build play it here. Recorded again whenever the game's rules
+    // change, as any replay of an older game then departs from it.
+    const std::string bytes = fileContents(RELEASE_REPLAY);
+    ASSERT_FALSE(bytes.empty());
+    replay::Result result;
+    EXPECT_EQ(playBack(std::vector<uint8_t>(bytes.begin(), bytes.end()), toWave17, result), -1);
+    EXPECT_GE(result.wave, 17);
 }
