@@ -129,6 +129,29 @@ void startGame() {
     Mix_PlayMusic(music, -1);
 }
 
+// The viewer plays the game just played, from the Game Over screen, which comes back after it.
+bool watchingLastGame = false;
+
+// R after Game Over: the last game, watched again from its start.
+void watchLastGame() {
+    const std::vector<uint8_t>& bytes = g_lastReplay->recorderInUse().file().bytes();
+    replay::Replay replay;
+    std::string error;
+    if (!replay::read(bytes.data(), bytes.size(), replay, error)) return;
+    g_replayViewer = new ReplayViewer(replay);
+    g_replayViewer->start();
+    watchingLastGame = true;
+}
+
+// The end of the replay, or Escape: the game as the recording ended it, and the Game Over
+// screen where it was.
+void stopWatching() {
+    g_replayViewer->fastForward();
+    delete g_replayViewer;
+    g_replayViewer = nullptr;
+    watchingLastGame = false;
+}
+
 // In place of the intro: the replay's session begun, and played from the next frame on.
 void startReplay(const replay::Replay& replay) {
     endIntro();
@@ -275,8 +298,14 @@ void runFrameLogic() {
     g_gamepad.apply(SDL_GetTicks());
     if (DisplaySwitch::requested()) DisplaySwitch::toggle(settingsFile);
     if (runlevel == RUNLEVEL_MENU) g_menu->update();
+    // Escape that ends watching the last game does not also quit.
+    bool stoppedWatching = false;
     if (runlevel == RUNLEVEL_GAME && g_replayViewer) {
         g_replayViewer->update();
+        if (watchingLastGame && (g_replayViewer->finished() || Orvel::keyPressed(SDLK_ESCAPE))) {
+            stopWatching();
+            stoppedWatching = true;
+        }
     } else if (runlevel == RUNLEVEL_GAME) {
         g_pause.update(SDL_GetTicks());
         if (!g_pause.paused) {
@@ -300,11 +329,15 @@ void runFrameLogic() {
     if (runlevel == RUNLEVEL_GAME && g_gameOver && g_gameOver->phase() == GameOverScreen::LEAVING &&
         g_fader->done())
         playAgain();
+    if (runlevel == RUNLEVEL_GAME && !g_replayViewer && !stoppedWatching && g_gameOver &&
+        g_gameOver->phase() == GameOverScreen::TABLE && g_lastReplay && !g_lastReplay->recording() &&
+        Orvel::keyPressed(SDLK_r))
+        watchLastGame();
 
     // Escape waits for a running fade to finish; the music fades 50 ms ahead of the picture. A
     // replay played to its end leaves the same way.
     const bool replayOver = runlevel == RUNLEVEL_GAME && g_replayViewer && g_replayViewer->finished();
-    if (g_fader->done() && (Orvel::keyPressed(SDLK_ESCAPE) || replayOver)) {
+    if (g_fader->done() && ((Orvel::keyPressed(SDLK_ESCAPE) && !stoppedWatching) || replayOver)) {
         // Out of a pause first: the fades run on the clock, and the music fades from playing.
         g_pause.leave(SDL_GetTicks());
         // A name being typed is kept as it stands.
@@ -325,7 +358,7 @@ namespace {
 // The game-over screen in play, the scores table over the intro.
 void drawScreens() {
     if (runlevel == RUNLEVEL_GAME && g_replayViewer) g_replayViewer->draw();
-    if (runlevel == RUNLEVEL_GAME && g_gameOver) g_gameOver->draw();
+    if (runlevel == RUNLEVEL_GAME && g_gameOver && !g_replayViewer) g_gameOver->draw();
     if (runlevel == RUNLEVEL_INTRO && introScores) introScores->draw();
 }
 

@@ -27,7 +27,7 @@ using orvel::vec4;
 GameOverScreen* g_gameOver = nullptr;
 
 const char* const GameOverScreen::ENTRY_HINT = "A new best game! Type your name, Return to keep it";
-const char* const GameOverScreen::TABLE_HINT = "Return to play again, Escape to quit";
+const char* const GameOverScreen::TABLE_HINT = "Return to play again, R to watch it, Escape to quit";
 
 namespace {
 

@@ -89,24 +89,19 @@ void ReplayViewer::update() {
         if (next > 0) Orvel::setFrameTime(replayed.frames[next - 1].time, replayed.frames[next - 1].time);
         return;
     }
+    steps((size_t)stepsPerFrame);
+}
+
+void ReplayViewer::steps(size_t count) {
     Orvel::GEvent* e = Orvel::events;
-    if (!e) return;
+    if (!e || !g_game) return;
     // The frame's own snapshot, put back after the updates.
     uint32_t keys[Orvel::GEvent::KEY_WORDS], keysPrev[Orvel::GEvent::KEY_WORDS];
     memcpy(keys, e->keys, sizeof keys);
     memcpy(keysPrev, e->keysPrev, sizeof keysPrev);
     const uint32_t buttons = e->buttons, buttonsPrev = e->buttonsPrev;
     const int x = e->mouseX, y = e->mouseY, prevX = e->mousePrevX, prevY = e->mousePrevY;
-    for (int step = 0; step < stepsPerFrame && !finished(); ++step) {
-        const replay::Frame& f = replayed.frames[next];
-        ReplayPlayback::apply(f);
-        g_game->update();
-        if (f.hasHash && stateHash(*g_game) != f.hash) {
-            divergedAt = (long)next;
-            fprintf(stderr, "Replay diverged at frame %zu\n", next);
-        }
-        ++next;
-    }
+    for (size_t n = 0; n < count && !finished(); ++n) step();
     // The rest of the frame reads the player's own keys again.
     memcpy(e->keys, keys, sizeof keys);
     memcpy(e->keysPrev, keysPrev, sizeof keysPrev);
@@ -117,6 +112,19 @@ void ReplayViewer::update() {
     e->mousePrevX = prevX;
     e->mousePrevY = prevY;
 }
+
+void ReplayViewer::step() {
+    const replay::Frame& f = replayed.frames[next];
+    ReplayPlayback::apply(f);
+    g_game->update();
+    if (f.hasHash && stateHash(*g_game) != f.hash) {
+        divergedAt = (long)next;
+        fprintf(stderr, "Replay diverged at frame %zu\n", next);
+    }
+    ++next;
+}
+
+void ReplayViewer::fastForward() { steps(replayed.frames.size()); }
 
 void ReplayViewer::draw() {
     if (!root) {

@@ -35,6 +35,9 @@ public:
     void update();
     // The label over the frame drawn so far.
     void draw();
+    // Runs the rest of the replay at once, undrawn, so that the game stands where the recording
+    // ended (checking the hashes as it goes).
+    void fastForward();
 
     // Played to its end, or stopped at a hash that differs.
     bool finished() const { return next >= replayed.frames.size() || divergedAt >= 0; }
@@ -46,6 +49,11 @@ public:
     std::string label() const;
 
 private:
+    // The next recorded update, with its hash checked.
+    void step();
+    // Up to `count` of them, with the frame's own input snapshot put back afterwards.
+    void steps(size_t count);
+
     replay::Replay replayed;
     size_t next;
     long divergedAt;

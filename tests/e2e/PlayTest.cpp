@@ -398,6 +398,8 @@ bool isHeadingInk(unsigned p) { return blue(p) > 200 && green(p) > 150 && red(p)
 // Where the table's first row and its heading are on the Game Over screen, and over the intro.
 const Rect FIRST_ROW_AFTER_GAME = {415, 402, 865, 422};
 const Rect HEADING_AFTER_GAME = {415, 372, 865, 392};
+// The "Replay  m:ss" label while a replay plays: white text in the top right corner.
+const Rect REPLAY_LABEL = {1100, 14, 1262, 40};
 const Rect HEADING_OVER_INTRO = {415, 225, 865, 245};
 
 std::string scoresFile(const Surroundings& dir) { return dir.path() + "/home/data/nightvector/scores"; }
@@ -454,6 +456,21 @@ TEST(PlayToGameOver, TheTypedNameIsKeptInTheTableAndReturnStartsANewGame) {
         testing_support::writeFileContents(
             keep, testing_support::fileContents(dir.path() + "/screenshot_" + std::to_string(number) + ".bmp"));
 
+    // R plays the game again: the table goes and the replay's label shows in the top right
+    // corner. Escape brings the table back, and the program runs on.
+    EXPECT_TRUE(dir.exists("home/data/nightvector/replays/last.nvr"));
+    game.holdKey("r");
+    Image watching;
+    ASSERT_TRUE(shoot(game, dir, number, watching));
+    EXPECT_EQ(count(watching, FIRST_ROW_AFTER_GAME, isMarkedRowInk), 0);
+    const auto isWhite = [](unsigned p) { return brightness(p) > 600; };
+    EXPECT_GT(count(watching, REPLAY_LABEL, isWhite), count(table, REPLAY_LABEL, isWhite) + 40);
+    game.holdKey("Escape");
+    Image back;
+    ASSERT_TRUE(shoot(game, dir, number, back));
+    EXPECT_GT(count(back, FIRST_ROW_AFTER_GAME, isMarkedRowInk), 100);
+    ASSERT_TRUE(game.isRunning());
+
     // A new game: its first wave announced again, and its score box as at the first start.
     game.holdKey("Return");
     Banner banner;
@@ -468,6 +485,7 @@ TEST(PlayToGameOver, TheTypedNameIsKeptInTheTableAndReturnStartsANewGame) {
     EXPECT_GT(hudInkOverlap(fresh, shot, SCORE_AREA), 0.98);
 
     quitWithEscape(game);
+    EXPECT_EQ(game.errors(), "");
     // One entry: the game, under the typed name.
     const std::string text = testing_support::fileContents(scores);
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 2) << text;

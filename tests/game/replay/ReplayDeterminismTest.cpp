@@ -337,3 +337,21 @@ TEST_F(ReplayDeterminismTest, AFightRecordedByTheReleaseBuildPlaysBackExactlyInT
     EXPECT_EQ(playBack(std::vector<uint8_t>(bytes.begin(), bytes.end()), toWave17, result), -1);
     EXPECT_GE(result.wave, 17);
 }
+
+TEST_F(ReplayDeterminismTest, FastForwardPlaysTheRestAtOnceAndLeavesThePlayersKeys) {
+    const replay::Replay r = readReplay(record(15, 500, wanderAndFire, nullptr, false));
+    ReplayViewer viewer(r);
+    viewer.start();
+    setInput(0, 0, 0);
+    viewer.update();
+    // Escape held by the player while the rest runs undrawn.
+    setInput(0, 5, 6, SDLK_ESCAPE);
+    viewer.fastForward();
+    EXPECT_TRUE(viewer.finished());
+    EXPECT_EQ(viewer.framesPlayed(), 500u);
+    EXPECT_EQ(viewer.divergence(), -1);
+    EXPECT_EQ(g_game->scoreCounter->value, r.result.score);
+    EXPECT_TRUE(Orvel::keyPressed(SDLK_ESCAPE));
+    EXPECT_FALSE(Orvel::keyDown(SDLK_d));
+    EXPECT_EQ(Orvel::mouseX(), 5);
+}
