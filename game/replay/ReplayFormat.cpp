@@ -317,6 +317,12 @@ bool read(const uint8_t* data, size_t size, Replay& replay, std::string& error) 
     }
     if (!readEnd(chunk, read.frames.size(), read.result) || !in.atEnd())
         return failWith(replay, error, "damaged (its end does not match its frames)");
+    // Time runs forwards, in steps the game takes; a step backwards reads as a huge one.
+    for (size_t i = 0; i < read.frames.size(); ++i) {
+        const bool stepTooLong = i > 0 && read.frames[i].time - read.frames[i - 1].time > MAX_STEP_MS;
+        if (stepTooLong || read.frames[i].sync > MAX_STEP_MS)
+            return failWith(replay, error, "damaged (a time step of more than an hour)");
+    }
     replay = std::move(read);
     return true;
 }

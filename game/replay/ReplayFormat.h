@@ -22,6 +22,10 @@ const size_t FRAMES_PER_CHUNK = 1024;
 // Limits a damaged or foreign file cannot make the reader exceed.
 const size_t MAX_FILE_BYTES = 64u << 20;
 const size_t MAX_GAME_VERSION = 64;
+// The longest time step a frame may carry, in ms. A game's frames are a few ms apart, a stalled
+// or suspended machine's seconds to minutes; a step of days could make the game work for hours
+// in one update (an emitter makes its particles for every ms it missed).
+const uint32_t MAX_STEP_MS = 3600000;
 
 // Bits of ReplayFrame::keys.
 const uint8_t KEY_W = 1, KEY_A = 2, KEY_S = 4, KEY_D = 8;

@@ -25,9 +25,8 @@ protected:
         g_game->init();
     }
 
-    // `n` updates 16 ms apart from START, steering right.
-    static void play(LastReplay& last, int n) {
-        uint32_t time = START;
+    // `n` more updates 16 ms apart, from START on, steering right.
+    void play(LastReplay& last, int n) {
         for (int i = 0; i < n; ++i) {
             setInput(0, 700, 300, SDLK_d);
             Orvel::setFrameTime(time, time + 16);
@@ -47,6 +46,7 @@ protected:
     }
 
     PlayerHome home;
+    uint32_t time = START; // the clock of the last update played
 };
 
 } // namespace

@@ -5,6 +5,7 @@
 #include "game/replay/ReplayFormat.h"
 
 #include <cmath>
+#include <initializer_list>
 #include <algorithm>
 #include <cstring>
 #include <random>
@@ -277,4 +278,35 @@ TEST(ReplayFormat, TenThousandMutatedFilesAreReadOrRefusedWithAReason) {
         }
     }
     EXPECT_GE(refused, 9990);
+}
+
+TEST(ReplayFormat, ATimeStepNoGameTakesIsRefused) {
+    const auto withFrames = [](std::initializer_list<Frame> frames) {
+        Writer w;
+        w.begin(someHeader());
+        for (const Frame& f : frames) w.add(f);
+        w.finish(Result{});
+        return errorOf(w.bytes());
+    };
+    Frame a, b;
+    a.time = 4000000000u;
+    a.sync = 16;
+    b = a;
+    b.time = a.time + MAX_STEP_MS;
+    b.sync = MAX_STEP_MS;
+    // An hour is the most: a suspended machine's step, kept.
+    EXPECT_EQ(withFrames({a, b}), "");
+    b.time = a.time + MAX_STEP_MS + 1;
+    EXPECT_EQ(withFrames({a, b}), "damaged (a time step of more than an hour)");
+    b.time = a.time + 16;
+    b.sync = MAX_STEP_MS + 1;
+    EXPECT_EQ(withFrames({a, b}), "damaged (a time step of more than an hour)");
+    // Backwards.
+    b.sync = 16;
+    b.time = a.time - 1;
+    EXPECT_EQ(withFrames({a, b}), "damaged (a time step of more than an hour)");
+    // Across the clock's wrap it is one step forwards.
+    a.time = 0xFFFFFFF0u;
+    b.time = 0x10u;
+    EXPECT_EQ(withFrames({a, b}), "");
 }
