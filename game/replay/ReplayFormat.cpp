@@ -27,23 +27,38 @@ void makeCrcTable() {
     }
 }
 
-void putVarint(std::vector<uint8_t>& out, uint64_t v) {
+// Writes `v` as a variable-length integer at `to`; the bytes it took, at most 10.
+size_t encodeVarint(uint8_t* to, uint64_t v) {
+    size_t n = 0;
     while (v >= 0x80) {
-        out.push_back((uint8_t)(v | 0x80));
+        to[n++] = (uint8_t)(v | 0x80);
         v >>= 7;
     }
-    out.push_back((uint8_t)v);
+    to[n++] = (uint8_t)v;
+    return n;
+}
+
+void putVarint(std::vector<uint8_t>& out, uint64_t v) {
+    uint8_t bytes[10];
+    out.insert(out.end(), bytes, bytes + encodeVarint(bytes, v));
 }
 
 uint64_t zigzag(int64_t v) { return ((uint64_t)v << 1) ^ (uint64_t)(v >> 63); }
 int64_t unzigzag(uint64_t v) { return (int64_t)(v >> 1) ^ -(int64_t)(v & 1); }
 
-void putChunk(std::vector<uint8_t>& out, uint8_t tag, const std::vector<uint8_t>& payload) {
+// A chunk whose payload is `head` and then `body`: its tag, length, payload and check.
+void putChunk(std::vector<uint8_t>& out, uint8_t tag, const uint8_t* head, size_t headSize, const uint8_t* body,
+              size_t bodySize) {
     out.push_back(tag);
-    putVarint(out, payload.size());
-    out.insert(out.end(), payload.begin(), payload.end());
-    const uint32_t crc = crc32(payload.data(), payload.size());
+    putVarint(out, headSize + bodySize);
+    out.insert(out.end(), head, head + headSize);
+    out.insert(out.end(), body, body + bodySize);
+    const uint32_t crc = crc32(body, bodySize, crc32(head, headSize));
     for (int i = 0; i < 4; ++i) out.push_back((uint8_t)(crc >> (8 * i)));
+}
+
+void putChunk(std::vector<uint8_t>& out, uint8_t tag, const std::vector<uint8_t>& payload) {
+    putChunk(out, tag, payload.data(), payload.size(), nullptr, 0);
 }
 
 // Reads from a span; every read past its end, or of a value that does not fit, fails the reader
@@ -256,21 +271,12 @@ void Writer::add(const Frame& f) {
 
 void Writer::closeChunk() {
     if (chunkFrames == 0) return;
-    // The frame count goes in front of the frames, and the check covers both.
-    uint8_t count[4];
-    size_t countSize = 0;
-    for (size_t v = chunkFrames;; v >>= 7) {
-        count[countSize++] = (uint8_t)(v >= 0x80 ? (v & 0x7f) | 0x80 : v);
-        if (v < 0x80) break;
-    }
+    // The frame count goes in front of the frames.
+    uint8_t count[10];
+    const size_t countSize = encodeVarint(count, chunkFrames);
     const size_t need = 1 + 3 + countSize + chunk.size() + 4;
     if (out.capacity() - out.size() < need) out.reserve(out.size() + need + GROWTH);
-    out.push_back(TAG_FRAMES);
-    putVarint(out, countSize + chunk.size());
-    out.insert(out.end(), count, count + countSize);
-    out.insert(out.end(), chunk.begin(), chunk.end());
-    const uint32_t crc = crc32(chunk.data(), chunk.size(), crc32(count, countSize));
-    for (int i = 0; i < 4; ++i) out.push_back((uint8_t)(crc >> (8 * i)));
+    putChunk(out, TAG_FRAMES, count, countSize, chunk.data(), chunk.size());
     chunk.clear();
     chunkFrames = 0;
 }

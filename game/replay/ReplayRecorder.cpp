@@ -19,7 +19,7 @@ int16_t clampToShort(int v) { return (int16_t)(v < INT16_MIN ? INT16_MIN : v > I
 
 } // namespace
 
-ReplayRecorder::ReplayRecorder() : updates(0), active(false) {}
+ReplayRecorder::ReplayRecorder() : active(false) {}
 
 replay::Frame ReplayRecorder::currentInput() {
     replay::Frame f;
@@ -43,7 +43,6 @@ void ReplayRecorder::begin(uint32_t seed) {
     header.screenShake = g_settings.screenShake;
     header.softFlashes = g_settings.softFlashes;
     writer.begin(header);
-    updates = 0;
     active = true;
 }
 
@@ -53,8 +52,7 @@ void ReplayRecorder::beforeUpdate() {
 
 void ReplayRecorder::afterUpdate(const Game& game) {
     if (!active) return;
-    ++updates;
-    pending.hasHash = updates % HASH_EVERY == 0;
+    pending.hasHash = (writer.frameCount() + 1) % HASH_EVERY == 0;
     pending.hash = pending.hasHash ? stateHash(game) : 0;
     writer.add(pending);
 }

@@ -36,6 +36,5 @@ public:
 private:
     replay::Writer writer;
     replay::Frame pending;
-    unsigned updates;
     bool active;
 };
