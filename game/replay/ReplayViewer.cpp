@@ -11,7 +11,6 @@
 #include "game/GameSessions.h"
 #include "game/Main.h"
 #include "game/Resources.h"
-#include "game/desktop/Settings.h"
 #include "game/replay/ReplayPlayback.h"
 #include "game/replay/StateHash.h"
 #include "scene/DirectScene2D.h"
@@ -60,9 +59,7 @@ ReplayViewer::~ReplayViewer() {
 }
 
 void ReplayViewer::start() {
-    // The picture's own settings, for this run only: nothing here saves them.
-    g_settings.screenShake = replayed.header.screenShake;
-    g_settings.softFlashes = replayed.header.softFlashes;
+    // The recorded shake and flashes change only the picture: the viewer's own settings hold.
     const uint32_t begun = replayed.frames.empty() ? Orvel::currentTime
                                                    : replayed.frames[0].time - replayed.frames[0].sync;
     Orvel::setFrameTime(begun, begun);

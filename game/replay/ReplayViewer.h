@@ -27,7 +27,9 @@ public:
     ReplayViewer& operator=(const ReplayViewer&) = delete;
 
     // The session the replay was recorded from, begun as it began: both generators seeded, the
-    // clock where the first update found its frame before, the shake and flashes as recorded.
+    // clock where the first update found its frame before. The picture keeps the viewer's own
+    // shake and flashes (g_settings, which a later save writes to the file), whatever the
+    // recording's were.
     void start();
     // Once a frame, after Orvel::update: the viewer's keys, then the recorded updates the speed
     // asks for. The frame's own input snapshot is put back afterwards, so that the rest of the

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "game/GameSessions.h"
+#include "game/desktop/Settings.h"
 #include "game/Player.h"
 #include "game/ScoreCounter.h"
 #include "game/replay/ReplayPlayback.h"
@@ -354,4 +355,21 @@ TEST_F(ReplayDeterminismTest, FastForwardPlaysTheRestAtOnceAndLeavesThePlayersKe
     EXPECT_TRUE(Orvel::keyPressed(SDLK_ESCAPE));
     EXPECT_FALSE(Orvel::keyDown(SDLK_d));
     EXPECT_EQ(Orvel::mouseX(), 5);
+}
+
+TEST_F(ReplayDeterminismTest, TheViewersOwnShakeAndFlashesHoldWhateverTheRecordings) {
+    replay::Replay r = readReplay(record(16, 120, wanderAndFire, nullptr, false));
+    r.header.screenShake = false;
+    r.header.softFlashes = true;
+    const Settings before = g_settings;
+    g_settings.screenShake = true;
+    g_settings.softFlashes = false;
+    ReplayViewer viewer(r);
+    viewer.start();
+    setInput(0, 0, 0);
+    while (!viewer.finished()) viewer.update();
+    EXPECT_TRUE(g_settings.screenShake);
+    EXPECT_FALSE(g_settings.softFlashes);
+    EXPECT_EQ(viewer.divergence(), -1);
+    g_settings = before;
 }
