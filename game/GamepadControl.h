@@ -1,9 +1,10 @@
 #pragma once
 // Twin-stick play with a gamepad, as keys and buttons the game already reads: the left stick or
-// the d-pad holds W, A, S or D, the right stick puts the pointer (and so the reticle) around the ship, the
-// right trigger or shoulder holds the left mouse button (plasma), the left ones the right button
-// (laser), Start holds Return and P, and Back held for a second presses Escape. Written into
-// the frame's input snapshot after Orvel's update, so mouse and keyboard keep working alongside.
+// the d-pad holds W, A, S or D, the right stick puts the pointer (and so the reticle) around the
+// ship, the right trigger or shoulder holds the left mouse button (plasma), the left ones the
+// right button (laser), Start holds Return and P, and Back held for a second presses Escape.
+// Written into the frame's input snapshot after Orvel's update, so mouse and keyboard keep
+// working alongside.
 
 #include <cstdint>
 

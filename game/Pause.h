@@ -2,10 +2,10 @@
 // Pausing play: P pauses a running game and P or a mouse click off the settings panel resumes
 // it; losing input focus or being minimised pauses too, and getting focus back does not resume.
 // While paused the game clock is held (engine PauseClock), the game's logic does not run, the
-// music and the sound effects are paused (a volume being set is heard all the same), and the frozen picture stays on screen under a dim
-// layer with "Paused", a hint and the settings. The main loop then draws only when the picture
-// may be gone or the settings changed, and otherwise waits, about twenty times a second, for
-// input.
+// music and the sound effects are paused (a volume being set is heard all the same), and the
+// frozen picture stays on screen under a dim layer with "Paused", a hint and the settings. The
+// main loop then draws only when the picture may be gone or the settings changed, and otherwise
+// waits, about twenty times a second, for input.
 
 #include <cstdint>
 
