@@ -39,7 +39,6 @@
 #include "game/scores/ScoreFile.h"
 #include "scene/DirectScene2D.h"
 #include "scene/Fader.h"
-#include "scene/ParticleSystem.h"
 #include "scene/Scene2D.h"
 #include "scene/Text.h"
 
@@ -118,12 +117,9 @@ void endIntro() {
 void startGame() {
     g_fader->fadeIn(500);
     endIntro();
-    // Both generators start from a seed of their own, which the replay keeps.
+    // Begun as every later game and every replay begins, from a seed the replay keeps.
     const int seed = (int)time(nullptr);
-    g_rand.init(seed);
-    ParticleSystem::random.init(seed);
-    g_game = new Game();
-    g_game->init();
+    GameSessions::begin(seed);
     if (g_lastReplay) g_lastReplay->begin((uint32_t)seed);
     runlevel = RUNLEVEL_GAME;
     Mix_PlayMusic(music, -1);
