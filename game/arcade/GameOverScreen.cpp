@@ -13,6 +13,7 @@
 #include "game/ScoreCounter.h"
 #include "game/arcade/ScoreTableView.h"
 #include "game/desktop/DisplaySwitch.h"
+#include "game/replay/LastReplay.h"
 #include "game/scores/PlayerName.h"
 #include "game/scores/ScoreFile.h"
 #include "scene/DirectScene2D.h"
@@ -92,7 +93,10 @@ void GameOverScreen::showResult() {
     finished.wave = g_game->wave > 0 ? (uint32_t)g_game->wave : 0;
     finished.when = wallClock();
     if (file) {
-        shown = file->record(finished, entryRank);
+        // The game's recording is finished by now: it ends with the game, before Game Over fades in.
+        static const std::vector<uint8_t> noReplay;
+        const bool recorded = g_lastReplay && !g_lastReplay->recording();
+        shown = file->record(finished, recorded ? g_lastReplay->recorderInUse().file().bytes() : noReplay, entryRank);
     } else {
         entryRank = shown.add(finished);
     }

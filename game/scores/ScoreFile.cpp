@@ -3,6 +3,9 @@
 #include <cstdio>
 #include <functional>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include "engine/SafeFile.h"
 #include "engine/UserDirs.h"
 
@@ -57,18 +60,61 @@ ScoreTable ScoreFile::change(const std::function<bool(ScoreTable&)>& edit) {
     }
     SafeFile::Lock lock(path + ".lock");
     bool damaged = false;
-    ScoreTable table = read(damaged);
+    const ScoreTable before = read(damaged);
+    ScoreTable table = before;
     // An edit that changes nothing leaves the file as it is.
     if (!edit(table)) return table;
-    if (!SafeFile::replaceMovingAside(path, table.format(), damaged, error))
+    if (SafeFile::replaceMovingAside(path, table.format(), damaged, error)) {
+        deleteUnlinked(before, table);
+    } else {
         fprintf(stderr, "Could not save the scores to %s: %s\n", path.c_str(), error.c_str());
+        deleteUnlinked(table, before);
+    }
     return table;
+}
+
+std::string ScoreFile::replaysDirectory() const { return SafeFile::directoryOf(path) + "/replays"; }
+
+std::string ScoreFile::keepReplay(const ScoreEntry& entry, const std::vector<uint8_t>& replay) {
+    const std::string dir = replaysDirectory();
+    const std::string stem = "best-" + std::to_string(entry.when) + "-" + std::to_string(entry.score);
+    // A name no file has yet; the lock keeps two games from taking the same one.
+    std::string name = stem + ".nvr";
+    struct stat existing;
+    for (int n = 2; lstat((dir + "/" + name).c_str(), &existing) == 0; ++n)
+        name = stem + "-" + std::to_string(n) + ".nvr";
+    std::string error;
+    if (!SafeFile::makeDirectories(dir, error) ||
+        !SafeFile::replace(dir + "/" + name, std::string(replay.begin(), replay.end()), error)) {
+        fprintf(stderr, "Could not keep the replay %s/%s: %s\n", dir.c_str(), name.c_str(), error.c_str());
+        return "";
+    }
+    return name;
+}
+
+void ScoreFile::deleteUnlinked(const ScoreTable& from, const ScoreTable& to) const {
+    for (const ScoreEntry& gone : from.entries()) {
+        if (gone.replay.empty()) continue;
+        bool linked = false;
+        for (const ScoreEntry& kept : to.entries()) linked = linked || kept.replay == gone.replay;
+        // A replay that cannot be deleted only takes room: nothing links to it any more.
+        if (!linked) unlink((replaysDirectory() + "/" + gone.replay).c_str());
+    }
 }
 
 ScoreTable ScoreFile::record(const ScoreEntry& entry, int& rank) {
     return change([&](ScoreTable& table) {
         rank = table.add(entry);
         return rank >= 0;
+    });
+}
+
+ScoreTable ScoreFile::record(const ScoreEntry& entry, const std::vector<uint8_t>& replay, int& rank) {
+    return change([&](ScoreTable& table) {
+        rank = table.add(entry);
+        if (rank < 0) return false;
+        if (!replay.empty()) table.linkReplay((unsigned)rank, keepReplay(entry, replay));
+        return true;
     });
 }
 

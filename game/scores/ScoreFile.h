@@ -1,10 +1,14 @@
 #pragma once
 // The scores file in the player's data directory: the table read from it, and a finished game
-// recorded in it without ever losing what it held.
+// recorded in it without ever losing what it held. Each entry may be linked to the game's replay,
+// a file of its own in the replays directory beside the scores file, which goes when the entry
+// falls out of the table.
 
 #include <cstddef>
 #include <functional>
+#include <cstdint>
 #include <string>
+#include <vector>
 
 #include "game/scores/ScoreTable.h"
 
@@ -30,6 +34,11 @@ public:
     // it could not be written (one line on standard error then); `rank` is the entry's place
     // from 0, or -1 when it did not make the table.
     ScoreTable record(const ScoreEntry& entry, int& rank);
+    // The same, and when the game makes the table, `replay` (a recording of it) is kept as a file
+    // of its own in replaysDirectory() and linked from the entry. A replay that cannot be written
+    // gets one line on standard error ("Could not keep the replay PATH: REASON"), and the entry is
+    // recorded without one.
+    ScoreTable record(const ScoreEntry& entry, const std::vector<uint8_t>& replay, int& rank);
 
     // Gives the entry recorded as `entry` the name `name`, the same way: read again, changed and
     // written under the lock. Returns the table as it now stands; `rank` is the entry's place,
@@ -38,14 +47,23 @@ public:
     ScoreTable rename(const ScoreEntry& entry, const std::string& name, int& rank);
 
     const std::string& filePath() const { return path; }
+    // Where the entries' replays are kept: "replays" beside the file.
+    std::string replaysDirectory() const;
 
 private:
     std::string path;
     bool damageReported;
 
     // Applies `edit` to the table the file holds now, under the lock, and writes the result when
-    // `edit` returns true (moving a damaged original aside first). Returns the table as edited.
+    // `edit` returns true (moving a damaged original aside first). Once the file is written, the
+    // replays of entries that left the table are deleted; when it cannot be, the replays that
+    // `edit` linked are. Returns the table as edited.
     ScoreTable change(const std::function<bool(ScoreTable&)>& edit);
+    // Writes `replay` under a name of its own for `entry`; "" (and one line on standard error)
+    // when it cannot be written.
+    std::string keepReplay(const ScoreEntry& entry, const std::vector<uint8_t>& replay);
+    // Deletes the replays linked from `from` that `to` does not link.
+    void deleteUnlinked(const ScoreTable& from, const ScoreTable& to) const;
     // The table in the file now; `damaged` when the file is there but not wholly ours.
     ScoreTable read(bool& damaged);
 };

@@ -3,11 +3,15 @@
 #include <cerrno>
 #include <cstdlib>
 
-const char* const ScoreTable::HEADER = "nightvector scores 1";
+const char* const ScoreTable::HEADER = "nightvector scores 2";
+const char* const ScoreTable::HEADER_WITHOUT_REPLAYS = "nightvector scores 1";
 
 namespace {
 
 const char SEPARATOR = '\t';
+// The replay field of an entry without one.
+const char* const NO_REPLAY = "-";
+const std::string REPLAY_SUFFIX = ".nvr";
 
 // A decimal number of digits alone, with no sign, no spaces and no leading zeros, at most `max`.
 bool readNumber(const std::string& field, uint64_t max, uint64_t& value) {
@@ -37,6 +41,17 @@ bool ScoreTable::isValidName(const std::string& name) {
     return true;
 }
 
+bool ScoreTable::isValidReplayName(const std::string& name) {
+    if (name.size() <= REPLAY_SUFFIX.size() || name.size() > REPLAY_NAME_MAX) return false;
+    const size_t stem = name.size() - REPLAY_SUFFIX.size();
+    if (name.compare(stem, std::string::npos, REPLAY_SUFFIX) != 0 || name == "last.nvr") return false;
+    for (size_t i = 0; i < stem; ++i) {
+        const char c = name[i];
+        if (!((c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-')) return false;
+    }
+    return true;
+}
+
 int ScoreTable::add(const ScoreEntry& entry) {
     size_t place = 0;
     while (place < list.size() && list[place].score >= entry.score) ++place;
@@ -58,6 +73,10 @@ int ScoreTable::rename(const ScoreEntry& entry, const std::string& name) {
     return -1;
 }
 
+void ScoreTable::linkReplay(unsigned rank, const std::string& replay) {
+    if (rank < list.size()) list[rank].replay = replay;
+}
+
 bool ScoreTable::qualifies(uint32_t score) const { return list.size() < SIZE || score > list.back().score; }
 
 void ScoreTable::merge(const ScoreTable& other) {
@@ -66,7 +85,8 @@ void ScoreTable::merge(const ScoreTable& other) {
 
 std::string ScoreTable::formatLine(const ScoreEntry& entry) {
     return std::to_string(entry.score) + SEPARATOR + std::to_string(entry.wave) + SEPARATOR +
-           std::to_string(entry.when) + SEPARATOR + entry.name;
+           std::to_string(entry.when) + SEPARATOR + (entry.replay.empty() ? NO_REPLAY : entry.replay) + SEPARATOR +
+           entry.name;
 }
 
 std::string ScoreTable::format() const {
@@ -76,19 +96,32 @@ std::string ScoreTable::format() const {
 }
 
 bool ScoreTable::parseLine(const std::string& line, ScoreEntry& entry) {
-    const size_t a = line.find(SEPARATOR);
-    const size_t b = a == std::string::npos ? a : line.find(SEPARATOR, a + 1);
-    const size_t c = b == std::string::npos ? b : line.find(SEPARATOR, b + 1);
-    if (c == std::string::npos) return false;
+    size_t tabs[4];
+    size_t count = 0;
+    for (size_t at = line.find(SEPARATOR); at != std::string::npos && count < 4; at = line.find(SEPARATOR, at + 1))
+        tabs[count++] = at;
+    // Three fields before the name in the older files, four (the replay added) in ours.
+    if (count < 3) return false;
+    const size_t a = tabs[0], b = tabs[1], c = tabs[2];
+    const size_t nameStart = (count == 4 ? tabs[3] : c) + 1;
     uint64_t score = 0, wave = 0, when = 0;
     if (!readNumber(line.substr(0, a), UINT32_MAX, score)) return false;
     if (!readNumber(line.substr(a + 1, b - a - 1), UINT32_MAX, wave)) return false;
     if (!readNumber(line.substr(b + 1, c - b - 1), INT64_MAX, when)) return false;
-    const std::string name = line.substr(c + 1);
+    std::string replay;
+    if (count == 4) {
+        replay = line.substr(c + 1, tabs[3] - c - 1);
+        if (replay == NO_REPLAY)
+            replay.clear();
+        else if (!isValidReplayName(replay))
+            return false;
+    }
+    const std::string name = line.substr(nameStart);
     if (!isValidName(name)) return false;
     entry.score = (uint32_t)score;
     entry.wave = (uint32_t)wave;
     entry.when = (int64_t)when;
+    entry.replay = replay;
     entry.name = name;
     return true;
 }
@@ -107,7 +140,7 @@ ScoreTable ScoreTable::parse(const std::string& text, Reading& reading) {
         start = end + 1;
         if (first) {
             first = false;
-            reading.knownHeader = whole && line == HEADER;
+            reading.knownHeader = whole && (line == HEADER || line == HEADER_WITHOUT_REPLAYS);
             if (reading.knownHeader) continue;
         }
         ScoreEntry entry;

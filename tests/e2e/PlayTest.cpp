@@ -436,7 +436,7 @@ TEST(PlayToGameOver, TheTypedNameIsKeptInTheTableAndReturnStartsANewGame) {
     game.releaseButton(1);
     game.releaseButton(3);
     ASSERT_TRUE(over) << "no Game Over in six minutes";
-    ASSERT_TRUE(fileHolds(scores, "nightvector scores 1\n"));
+    ASSERT_TRUE(fileHolds(scores, "nightvector scores 2\n"));
 
     ASSERT_TRUE(xdriver::xdotool("type --delay 120 'Ace 7'"));
     game.holdKey("Return");
@@ -446,6 +446,20 @@ TEST(PlayToGameOver, TheTypedNameIsKeptInTheTableAndReturnStartsANewGame) {
         if (!renamed) e2e::pause(100);
     }
     ASSERT_TRUE(renamed) << testing_support::fileContents(scores);
+
+    // The entry links the game's own replay, a copy of the last game's file beside it.
+    {
+        const std::string text = testing_support::fileContents(scores);
+        const std::string line = text.substr(text.find('\n') + 1);
+        size_t tab[4] = {line.find('\t')};
+        for (int i = 1; i < 4; ++i) tab[i] = line.find('\t', tab[i - 1] + 1);
+        ASSERT_NE(tab[3], std::string::npos) << text;
+        const std::string replay = line.substr(tab[2] + 1, tab[3] - tab[2] - 1);
+        EXPECT_EQ(replay, "best-" + line.substr(tab[1] + 1, tab[2] - tab[1] - 1) + "-" + line.substr(0, tab[0]) + ".nvr");
+        const std::string replays = dir.path() + "/home/data/nightvector/replays/";
+        EXPECT_EQ(testing_support::fileContents(replays + replay), testing_support::fileContents(replays + "last.nvr"));
+        EXPECT_GT(testing_support::fileContents(replays + replay).size(), 100u);
+    }
 
     Image table;
     ASSERT_TRUE(shoot(game, dir, number, table));

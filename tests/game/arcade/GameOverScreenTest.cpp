@@ -18,6 +18,7 @@
 #include "game/Player.h"
 #include "game/ScoreCounter.h"
 #include "game/arcade/ScoreTableView.h"
+#include "game/replay/LastReplay.h"
 #include "game/scores/ScoreFile.h"
 #include "scene/Fader.h"
 #include "scene/Text.h"
@@ -126,7 +127,7 @@ TEST_F(GameOverScreenTest, AGameThatMakesTheTableIsSavedAtOnceUnderTheLoginName)
     endGame(4200, 5);
     frame(FADED_IN);
     EXPECT_EQ(screen->rank(), 0);
-    EXPECT_EQ(contents(), "nightvector scores 1\n4200\t5\t1764000123\talice\n");
+    EXPECT_EQ(contents(), "nightvector scores 2\n4200\t5\t1764000123\t-\talice\n");
     ASSERT_NE(screen->nameEntry(), nullptr);
     EXPECT_EQ(screen->nameEntry()->text(), "alice");
     EXPECT_TRUE(TypedKeys::enabled());
@@ -138,7 +139,7 @@ TEST_F(GameOverScreenTest, TheTypedNameReplacesTheLoginNameInTheFileOnReturn) {
     type("Bob");
     frame(FADED_IN + 16);
     EXPECT_EQ(screen->nameEntry()->text(), "Bob");
-    EXPECT_EQ(contents(), "nightvector scores 1\n4200\t5\t1764000123\talice\n");
+    EXPECT_EQ(contents(), "nightvector scores 2\n4200\t5\t1764000123\t-\talice\n");
     TypedKeys::record(SDLK_BACKSPACE, 8);
     type("x");
     TypedKeys::record(SDLK_RETURN, 13);
@@ -146,7 +147,7 @@ TEST_F(GameOverScreenTest, TheTypedNameReplacesTheLoginNameInTheFileOnReturn) {
     EXPECT_EQ(screen->phase(), GameOverScreen::TABLE);
     EXPECT_EQ(screen->nameEntry(), nullptr);
     EXPECT_FALSE(TypedKeys::enabled());
-    EXPECT_EQ(contents(), "nightvector scores 1\n4200\t5\t1764000123\tBox\n");
+    EXPECT_EQ(contents(), "nightvector scores 2\n4200\t5\t1764000123\t-\tBox\n");
     EXPECT_EQ(screen->table().entries()[0].name, "Box");
     EXPECT_EQ(screen->rank(), 0);
 }
@@ -166,7 +167,7 @@ TEST_F(GameOverScreenTest, ThePadsStartKeepsTheLoginName) {
     // Start holds Return in the frame's keys; nothing is typed.
     frame(FADED_IN + 16, SDLK_RETURN);
     EXPECT_EQ(screen->phase(), GameOverScreen::TABLE);
-    EXPECT_EQ(contents(), "nightvector scores 1\n4200\t5\t1764000123\talice\n");
+    EXPECT_EQ(contents(), "nightvector scores 2\n4200\t5\t1764000123\t-\talice\n");
 }
 
 TEST_F(GameOverScreenTest, ANameTypedWhenEscapeComesIsKept) {
@@ -176,10 +177,10 @@ TEST_F(GameOverScreenTest, ANameTypedWhenEscapeComesIsKept) {
     frame(FADED_IN + 16);
     screen->confirmName();
     EXPECT_EQ(screen->phase(), GameOverScreen::TABLE);
-    EXPECT_EQ(contents(), "nightvector scores 1\n4200\t5\t1764000123\tZed\n");
+    EXPECT_EQ(contents(), "nightvector scores 2\n4200\t5\t1764000123\t-\tZed\n");
     // A second confirmation finds nothing to do.
     screen->confirmName();
-    EXPECT_EQ(contents(), "nightvector scores 1\n4200\t5\t1764000123\tZed\n");
+    EXPECT_EQ(contents(), "nightvector scores 2\n4200\t5\t1764000123\t-\tZed\n");
 }
 
 TEST_F(GameOverScreenTest, AGameBelowAFullTableGoesStraightToTheTableAndLeavesTheFile) {
@@ -382,4 +383,23 @@ TEST_F(GameOverScreenTest, TwentyGamesOverAndAgainGiveTheHeapBackToTheFirstGames
         setTime(t += 1000);
         GameSessions::begin(5);
     }
+}
+
+TEST_F(GameOverScreenTest, AGameThatMakesTheTableKeepsItsRecordingAsTheEntrysReplay) {
+    // Recorded as the main loop records: around every update, the game over closing the file.
+    LastReplay recorded("");
+    g_lastReplay = &recorded;
+    recorded.begin(77);
+    recorded.beforeUpdate();
+    endGame(4200, 5);
+    recorded.afterUpdate(*g_game);
+    const bool closed = !recorded.recording();
+    frame(FADED_IN);
+    g_lastReplay = nullptr;
+    ASSERT_TRUE(closed);
+    const std::vector<uint8_t>& bytes = recorded.recorderInUse().file().bytes();
+    ASSERT_GT(bytes.size(), 0u);
+    EXPECT_EQ(contents(), "nightvector scores 2\n4200\t5\t1764000123\tbest-1764000123-4200.nvr\talice\n");
+    EXPECT_EQ(fileContents(home.dataHome() + "/nightvector/replays/best-1764000123-4200.nvr"),
+              std::string(bytes.begin(), bytes.end()));
 }

@@ -70,7 +70,7 @@ TEST_F(ScoreFileTest, TheFirstEntryCreatesTheDirectoryAndTheFile) {
     const ScoreTable table = ScoreFile(path).record(entry("Ada", 4200, 5, 1764000123), rank);
     EXPECT_EQ(rank, 0);
     EXPECT_EQ(table.entries().size(), 1u);
-    EXPECT_EQ(contents(path), "nightvector scores 1\n4200\t5\t1764000123\tAda\n");
+    EXPECT_EQ(contents(path), "nightvector scores 2\n4200\t5\t1764000123\t-\tAda\n");
     EXPECT_EQ(listing(), "scores ");
 }
 
@@ -81,10 +81,10 @@ TEST_F(ScoreFileTest, EachGameIsAddedToWhatTheFileHolds) {
     EXPECT_EQ(rank, 0);
     ScoreFile(path).record(entry("three", 300), rank);
     EXPECT_EQ(rank, 2);
-    EXPECT_EQ(contents(path), "nightvector scores 1\n"
-                              "500\t3\t1764000000\ttwo\n"
-                              "300\t3\t1764000000\tone\n"
-                              "300\t3\t1764000000\tthree\n");
+    EXPECT_EQ(contents(path), "nightvector scores 2\n"
+                              "500\t3\t1764000000\t-\ttwo\n"
+                              "300\t3\t1764000000\t-\tone\n"
+                              "300\t3\t1764000000\t-\tthree\n");
 }
 
 TEST_F(ScoreFileTest, AGameBelowAFullTableLeavesTheFileUntouched) {
@@ -110,9 +110,9 @@ TEST_F(ScoreFileTest, RenameChangesTheRecordedEntryInWhatTheFileHoldsNow) {
     const ScoreTable table = ScoreFile(path).rename(mine, "Ace", rank);
     EXPECT_EQ(rank, 1);
     EXPECT_EQ(table.entries()[1].name, "Ace");
-    EXPECT_EQ(contents(path), "nightvector scores 1\n"
-                              "900\t3\t1764000000\tother\n"
-                              "400\t2\t1764000400\tAce\n");
+    EXPECT_EQ(contents(path), "nightvector scores 2\n"
+                              "900\t3\t1764000000\t-\tother\n"
+                              "400\t2\t1764000400\t-\tAce\n");
 }
 
 TEST_F(ScoreFileTest, RenameOfAnEntryNoLongerHeldLeavesTheFileUntouched) {
@@ -141,10 +141,10 @@ TEST_F(ScoreFileTest, ADamagedFileKeepsWhatReadsSaysSoOnceAndGoesAsideBeforeTheF
                   path + ".bad\n");
     EXPECT_EQ(rank, 1);
     EXPECT_EQ(contents(path + ".bad"), original);
-    EXPECT_EQ(contents(path), "nightvector scores 1\n"
-                              "700\t2\t5\tkept\n"
-                              "500\t3\t1764000000\tnew\n"
-                              "300\t1\t5\talso kept\n");
+    EXPECT_EQ(contents(path), "nightvector scores 2\n"
+                              "700\t2\t5\t-\tkept\n"
+                              "500\t3\t1764000000\t-\tnew\n"
+                              "300\t1\t5\t-\talso kept\n");
     EXPECT_EQ(table.format(), contents(path));
 }
 
@@ -160,7 +160,7 @@ TEST_F(ScoreFileTest, BinaryJunkIsAForeignFileWithNothingToKeep) {
               "Scores file " + path + " is not a scores file of this version: kept 0 entries; the next score saved "
               "moves it to " + path + ".bad\n");
     EXPECT_EQ(contents(path + ".bad"), junk);
-    EXPECT_EQ(contents(path), "nightvector scores 1\n10\t3\t1764000000\tafter\n");
+    EXPECT_EQ(contents(path), "nightvector scores 2\n10\t3\t1764000000\t-\tafter\n");
 }
 
 TEST_F(ScoreFileTest, AHugeFileIsReadOnlyToItsFirst64KiB) {
@@ -190,7 +190,7 @@ TEST_F(ScoreFileTest, ADirectoryInThePlaceOfTheFileIsMovedAside) {
     struct stat info {};
     ASSERT_EQ(stat((path + ".bad").c_str(), &info), 0);
     EXPECT_TRUE(S_ISDIR(info.st_mode));
-    EXPECT_EQ(contents(path), "nightvector scores 1\n50\t3\t1764000000\there\n");
+    EXPECT_EQ(contents(path), "nightvector scores 2\n50\t3\t1764000000\t-\there\n");
 }
 
 TEST_F(ScoreFileTest, ALoopOfLinksIsMovedAsideWithoutAHang) {
@@ -204,7 +204,7 @@ TEST_F(ScoreFileTest, ALoopOfLinksIsMovedAsideWithoutAHang) {
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
               "Scores file " + path + " cannot be read (Too many levels of symbolic links): kept 0 entries; the next "
               "score saved moves it to " + path + ".bad\n");
-    EXPECT_EQ(contents(path), "nightvector scores 1\n50\t3\t1764000000\tlooped\n");
+    EXPECT_EQ(contents(path), "nightvector scores 2\n50\t3\t1764000000\t-\tlooped\n");
 }
 
 TEST_F(ScoreFileTest, InADirectoryThePlayerCannotWriteTheTableStillHoldsTheGameAndOneLineSaysWhy) {
@@ -308,4 +308,155 @@ TEST_F(ScoreFileTest, TwoGamesSavingTwoHundredEntriesEachAtOnceKeepTheTopTenOfAl
         const int w = (int)((score - 1) % 2);
         EXPECT_EQ(table.entries()[k].name, "w" + std::to_string(w) + "-" + std::to_string((score - 1 - w) / 2));
     }
+}
+
+namespace {
+
+// A recording's stand-in: bytes that tell whose game it was.
+std::vector<uint8_t> recording(const std::string& whose) { return std::vector<uint8_t>(whose.begin(), whose.end()); }
+
+// Fails every write after the first `allowed` ones.
+int writesAllowed = 0;
+ssize_t writeSomeThenFail(int fd, const void* data, size_t size) {
+    if (writesAllowed-- > 0) return ::write(fd, data, size);
+    errno = EIO;
+    return -1;
+}
+
+} // namespace
+
+TEST_F(ScoreFileTest, AGameThatMakesTheTableKeepsItsReplayBesideTheScores) {
+    int rank = -2;
+    ScoreFile file(path);
+    const ScoreTable table = file.record(entry("Ada", 4200, 5, 1764000123), recording("Ada's game"), rank);
+    EXPECT_EQ(rank, 0);
+    EXPECT_EQ(file.replaysDirectory(), dir + "/replays");
+    EXPECT_EQ(table.entries()[0].replay, "best-1764000123-4200.nvr");
+    EXPECT_EQ(contents(path), "nightvector scores 2\n4200\t5\t1764000123\tbest-1764000123-4200.nvr\tAda\n");
+    EXPECT_EQ(contents(dir + "/replays/best-1764000123-4200.nvr"), "Ada's game");
+    EXPECT_EQ(listing(), "replays scores ");
+}
+
+TEST_F(ScoreFileTest, AGameBelowAFullTableKeepsNoReplay) {
+    put(fullTable("p").format());
+    int rank = 0;
+    ScoreFile(path).record(entry("low", 1000), recording("low"), rank);
+    EXPECT_EQ(rank, -1);
+    EXPECT_EQ(listing(), "scores ");
+}
+
+TEST_F(ScoreFileTest, AnEntryThatFallsOutOfTheTableTakesItsReplayWithIt) {
+    ScoreFile file(path);
+    int rank = 0;
+    for (uint32_t i = 1; i <= 10; ++i) file.record(entry("p" + std::to_string(i), i * 1000), recording("p"), rank);
+    EXPECT_EQ(testing_support::directoryListing(dir + "/replays"),
+              "best-1764000000-1000.nvr best-1764000000-10000.nvr best-1764000000-2000.nvr "
+              "best-1764000000-3000.nvr best-1764000000-4000.nvr best-1764000000-5000.nvr "
+              "best-1764000000-6000.nvr best-1764000000-7000.nvr best-1764000000-8000.nvr "
+              "best-1764000000-9000.nvr ");
+    file.record(entry("best", 99999), recording("best"), rank);
+    EXPECT_EQ(rank, 0);
+    EXPECT_EQ(testing_support::directoryListing(dir + "/replays"),
+              "best-1764000000-10000.nvr best-1764000000-2000.nvr best-1764000000-3000.nvr "
+              "best-1764000000-4000.nvr best-1764000000-5000.nvr best-1764000000-6000.nvr "
+              "best-1764000000-7000.nvr best-1764000000-8000.nvr best-1764000000-9000.nvr "
+              "best-1764000000-99999.nvr ");
+    EXPECT_EQ(contents(dir + "/replays/best-1764000000-99999.nvr"), "best");
+}
+
+TEST_F(ScoreFileTest, TwoEqualGamesInTheSameSecondKeepAReplayEach) {
+    ScoreFile file(path);
+    int rank = 0;
+    file.record(entry("one", 500, 3, 1764000000), recording("first"), rank);
+    const ScoreTable table = file.record(entry("two", 500, 3, 1764000000), recording("second"), rank);
+    EXPECT_EQ(rank, 1);
+    EXPECT_EQ(table.entries()[0].replay, "best-1764000000-500.nvr");
+    EXPECT_EQ(table.entries()[1].replay, "best-1764000000-500-2.nvr");
+    EXPECT_EQ(contents(dir + "/replays/best-1764000000-500.nvr"), "first");
+    EXPECT_EQ(contents(dir + "/replays/best-1764000000-500-2.nvr"), "second");
+}
+
+TEST_F(ScoreFileTest, RenameKeepsTheEntrysReplay) {
+    ScoreFile file(path);
+    int rank = 0;
+    const ScoreEntry mine = entry("alice", 400, 2, 1764000400);
+    file.record(mine, recording("alice"), rank);
+    file.rename(mine, "Ace", rank);
+    EXPECT_EQ(contents(path), "nightvector scores 2\n400\t2\t1764000400\tbest-1764000400-400.nvr\tAce\n");
+    EXPECT_EQ(contents(dir + "/replays/best-1764000400-400.nvr"), "alice");
+}
+
+TEST_F(ScoreFileTest, AnOlderFileWithoutReplaysIsReadWholeAndWrittenInTheNewForm) {
+    put("nightvector scores 1\n700\t2\t5\tkept\n");
+    ScoreFile file(path);
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(file.load().entries().size(), 1u);
+    int rank = 0;
+    file.record(entry("new", 900, 3, 1764000000), recording("new"), rank);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(contents(path), "nightvector scores 2\n"
+                              "900\t3\t1764000000\tbest-1764000000-900.nvr\tnew\n"
+                              "700\t2\t5\t-\tkept\n");
+    EXPECT_EQ(listing(), "replays scores ");
+}
+
+TEST_F(ScoreFileTest, AReplayThatCannotBeWrittenLeavesTheEntryWithoutOneAndOneLineSaysWhy) {
+    // A file where the replays' directory should be.
+    put("");
+    testing_support::writeFileContents(dir + "/replays", "not a directory");
+    std::remove(path.c_str());
+    testing::internal::CaptureStderr();
+    int rank = 0;
+    ScoreFile(path).record(entry("Ada", 4200, 5, 1764000123), recording("Ada"), rank);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "Could not keep the replay " + dir + "/replays/best-1764000123-4200.nvr: Not a directory\n");
+    EXPECT_EQ(rank, 0);
+    EXPECT_EQ(contents(path), "nightvector scores 2\n4200\t5\t1764000123\t-\tAda\n");
+}
+
+TEST_F(ScoreFileTest, WhenTheScoresCannotBeWrittenTheNewReplayIsNotLeftBehind) {
+    put(fullTable("p").format());
+    // The replay's single write goes through; the scores' write fails.
+    writesAllowed = 1;
+    SafeFile::writeCall = writeSomeThenFail;
+    testing::internal::CaptureStderr();
+    int rank = 0;
+    ScoreFile(path).record(entry("best", 99999), recording("best"), rank);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "Could not save the scores to " + path + ": Input/output error\n");
+    EXPECT_EQ(contents(path), fullTable("p").format());
+    EXPECT_EQ(testing_support::directoryListing(dir + "/replays"), "");
+}
+
+TEST_F(ScoreFileTest, TwoGamesSavingReplaysAtOnceLeaveExactlyTheTopTensReplays) {
+    pid_t writers[2];
+    for (int w = 0; w < 2; ++w) {
+        writers[w] = fork();
+        if (writers[w] == 0) {
+            ScoreFile file(path);
+            for (uint32_t i = 0; i < 60; ++i) {
+                int rank = 0;
+                const uint32_t score = 2 * i + 1 + (uint32_t)w;
+                file.record(entry("w" + std::to_string(w), score), recording(std::to_string(score)), rank);
+            }
+            _exit(0);
+        }
+        ASSERT_GT(writers[w], 0);
+    }
+    for (pid_t writer : writers) {
+        int status = -1;
+        waitpid(writer, &status, 0);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    }
+    const ScoreTable table = ScoreFile(path).load();
+    ASSERT_EQ(table.entries().size(), 10u);
+    for (uint32_t k = 0; k < 10; ++k) {
+        const ScoreEntry& e = table.entries()[k];
+        EXPECT_EQ(e.score, 120 - k);
+        EXPECT_EQ(e.replay, "best-1764000000-" + std::to_string(e.score) + ".nvr");
+        EXPECT_EQ(contents(dir + "/replays/" + e.replay), std::to_string(e.score));
+    }
+    EXPECT_EQ(testing_support::directoryListing(dir + "/replays"),
+              "best-1764000000-111.nvr best-1764000000-112.nvr best-1764000000-113.nvr best-1764000000-114.nvr "
+              "best-1764000000-115.nvr best-1764000000-116.nvr best-1764000000-117.nvr best-1764000000-118.nvr "
+              "best-1764000000-119.nvr best-1764000000-120.nvr ");
 }
