@@ -27,6 +27,7 @@
 #include "game/MixerOutput.h"
 #include "game/Pause.h"
 #include "game/Resources.h"
+#include "game/ScoreCounter.h"
 #include "game/SoundEffects.h"
 #include "game/arcade/GameOverScreen.h"
 #include "game/arcade/IntroScores.h"
@@ -34,6 +35,7 @@
 #include "game/desktop/DisplaySwitch.h"
 #include "game/desktop/Settings.h"
 #include "game/desktop/SettingsPanel.h"
+#include "game/replay/FrameShots.h"
 #include "game/replay/LastReplay.h"
 #include "game/replay/ReplayViewer.h"
 #include "game/scores/ScoreFile.h"
@@ -334,6 +336,12 @@ void runFrameLogic() {
     // replay played to its end leaves the same way.
     const bool replayOver = runlevel == RUNLEVEL_GAME && g_replayViewer && g_replayViewer->finished();
     if (g_fader->done() && ((Orvel::keyPressed(SDLK_ESCAPE) && !stoppedWatching) || replayOver)) {
+        // A replay watched to its end says where the game stood: the score and wave it was kept with.
+        if (replayOver && g_replayViewer->divergence() < 0 && g_game) {
+            printf("Replay ended: score %d, wave %d\n", g_game->scoreCounter ? g_game->scoreCounter->value : 0,
+                   g_game->wave);
+            fflush(stdout);
+        }
         // Out of a pause first: the fades run on the clock, and the music fades from playing.
         g_pause.leave(SDL_GetTicks());
         // A name being typed is kept as it stands.
@@ -382,6 +390,18 @@ void clearForFrame() {
     glClear((covered ? 0 : GL_COLOR_BUFFER_BIT) | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
 }
 
+namespace {
+
+FrameShots frameShots;
+
+// Updates of the session in play, or of the replay being watched.
+size_t updatesSoFar() {
+    if (g_replayViewer) return g_replayViewer->framesPlayed();
+    return g_lastReplay ? g_lastReplay->recorderInUse().file().frameCount() : 0;
+}
+
+} // namespace
+
 void runFrame() {
     if (g_pause.paused) {
         runPausedFrame();
@@ -394,6 +414,7 @@ void runFrame() {
     g_fader->draw();
     Orvel::update();
     runFrameLogic();
+    if (runlevel == RUNLEVEL_GAME && frameShots.asked() > 0 && frameShots.due(updatesSoFar())) saveScreenshot();
 }
 
 namespace {
@@ -436,6 +457,7 @@ int runNightvector(int argc, char** argv) {
             return CommandLine::USAGE_STATUS;
         }
     }
+    frameShots.ask(getenv("NIGHTVECTOR_SHOT_AT_FRAMES"));
     loadSettings();
     bool fullscreen = g_settings.fullscreen;
     if (options.display != LaunchOptions::DISPLAY_UNSET)

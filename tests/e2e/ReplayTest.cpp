@@ -1,6 +1,7 @@
 // Every game is kept as a replay: the real program, played and left with Escape or by closing
 // its window, leaves last.nvr in its data home, a whole file that reads back.
 
+#include <cmath>
 #include <string>
 #include <vector>
 
@@ -177,4 +178,97 @@ TEST(Replay, AReplayThatRunsOtherwiseSaysWhereAndLeaves) {
     GameProcess viewer(dir.path(), {}, {"--replay", dir.path() + "/wrong.nvr"});
     EXPECT_EQ(viewer.waitForExit(60000), 0);
     EXPECT_EQ(viewer.errors(), "Replay diverged at frame " + std::to_string(changed) + "\n");
+}
+
+namespace {
+
+// The frames at which both runs below take a screenshot: every two seconds at 60 frames a second.
+const char* const SHOT_FRAMES = "NIGHTVECTOR_SHOT_AT_FRAMES=240,480,720,960,1200,1440,1680,1920";
+// The replay's label in the top right corner: the one place where the pictures may differ.
+const int LABEL_LEFT = 1000, LABEL_BOTTOM = 50;
+
+std::string shotPath(const Surroundings& dir, int number) {
+    return dir.path() + "/screenshot_" + std::to_string(number) + ".bmp";
+}
+
+int shotsIn(const Surroundings& dir) {
+    int n = 0;
+    while (dir.exists("screenshot_" + std::to_string(n + 1) + ".bmp")) ++n;
+    return n;
+}
+
+// Pixels of `a` and `b` that differ, the replay's label left out.
+long differingPixels(const e2e::Image& a, const e2e::Image& b) {
+    if (a.width != b.width || a.height != b.height) return -1;
+    long differ = 0;
+    for (int y = 0; y < a.height; ++y)
+        for (int x = 0; x < a.width; ++x)
+            if (!(x >= LABEL_LEFT && y < LABEL_BOTTOM) && a.at(x, y) != b.at(x, y)) ++differ;
+    return differ;
+}
+
+} // namespace
+
+TEST(Replay, TheReplayShowsTheGamesPicturesAtTheSameFramesAndEndsWithItsScore) {
+    Surroundings dir;
+    dir.linkData();
+    {
+        // Thirty seconds: steering, both guns, the pointer circling, and one pause.
+        GameProcess game(dir.path(), {SHOT_FRAMES});
+        ASSERT_NO_FATAL_FAILURE(e2e::enterPlay(game, 900, 300, 1000));
+        game.pressButton(1);
+        game.pressButton(3);
+        const char* const keys[] = {"d", "w", "a", "s"};
+        for (int step = 0; step < 280; ++step) {
+            if (step % 70 == 0) game.pressKey(keys[step / 70]);
+            if (step % 70 == 35) game.releaseKey(keys[step / 70]);
+            if (step == 140) {
+                game.holdKey("p");
+                e2e::pause(1500);
+                game.holdKey("p");
+            }
+            const double angle = step * 0.1;
+            game.moveMouse(640 + (int)(250 * std::cos(angle)), 360 + (int)(250 * std::sin(angle)));
+            e2e::pause(100);
+        }
+        game.releaseButton(3);
+        game.releaseButton(1);
+        e2e::quitWithEscape(game);
+        EXPECT_EQ(game.errors(), "");
+    }
+    const int live = shotsIn(dir);
+    const replay::Replay kept = keptReplay(dir);
+    // How many of the frames asked for the game reached, at its pace.
+    int reached = 0;
+    for (size_t frame = 240; frame <= 1920 && frame <= kept.frames.size(); frame += 240) ++reached;
+    ASSERT_GE(reached, 3) << kept.frames.size() << " frames";
+    // A frame that began paused takes none; the pause lasted many frames, but took a frame of its
+    // own at most.
+    EXPECT_GE(live, reached - 1);
+    EXPECT_LE(live, reached);
+
+    GameProcess viewer(dir.path(), {SHOT_FRAMES}, {"--replay", dir.path() + "/home/data/nightvector/replays/last.nvr"});
+    EXPECT_EQ(viewer.waitForExit(120000), 0);
+    EXPECT_EQ(viewer.errors(), "");
+    // The replay ends with the score and wave the game was left with.
+    EXPECT_NE(viewer.output().find("Replay ended: score " + std::to_string(kept.result.score) + ", wave " +
+                                   std::to_string(kept.result.wave) + "\n"),
+              std::string::npos)
+        << viewer.output();
+    ASSERT_EQ(shotsIn(dir), live + reached);
+
+    // The game's pictures, each against the replay's at the same frame.
+    for (int played = 1, replayed = 1; played <= live; ++played, ++replayed) {
+        e2e::Image a, b;
+        ASSERT_TRUE(e2e::loadBmp(shotPath(dir, played), a));
+        ASSERT_TRUE(e2e::loadBmp(shotPath(dir, live + replayed), b));
+        long differ = differingPixels(a, b);
+        // The frame the game missed in its pause, if it missed one: its next picture is the
+        // replay's next one.
+        if (differ != 0 && live < reached && replayed == played) {
+            ASSERT_TRUE(e2e::loadBmp(shotPath(dir, live + ++replayed), b));
+            differ = differingPixels(a, b);
+        }
+        EXPECT_EQ(differ, 0) << "game picture " << played << " against replay picture " << replayed;
+    }
 }
