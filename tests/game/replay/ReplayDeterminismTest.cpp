@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cmath>
 #include <functional>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -372,4 +373,105 @@ TEST_F(ReplayDeterminismTest, TheViewersOwnShakeAndFlashesHoldWhateverTheRecordi
     EXPECT_FALSE(g_settings.softFlashes);
     EXPECT_EQ(viewer.divergence(), -1);
     g_settings = before;
+}
+
+namespace {
+
+// One change no game could have made to what `r` holds; the file written from it checks whole.
+void oddContents(replay::Replay& r, std::mt19937& rng) {
+    if (r.frames.empty()) return;
+    replay::Frame& f = r.frames[rng() % r.frames.size()];
+    const size_t at = (size_t)(&f - r.frames.data());
+    switch (rng() % 10) {
+    case 0: f.keys = (uint8_t)rng(); break;
+    case 1: f.buttons = (uint8_t)rng(); break;
+    case 2:
+        f.mouseX = (int16_t)rng();
+        f.mouseY = (int16_t)rng();
+        break;
+    case 3: {
+        // A stall from one frame on, up to the longest step a file may hold.
+        static const uint32_t STALLS[] = {1, 250, 60000, replay::MAX_STEP_MS - 17};
+        const uint32_t stall = STALLS[rng() % 4];
+        f.sync += stall;
+        for (size_t i = at; i < r.frames.size(); ++i) r.frames[i].time += stall;
+        break;
+    }
+    case 4: f.time -= 1 + rng() % 100; break; // a clock that runs back, or a step that disagrees
+    case 5: f.sync = rng() % 200; break;       // a step that disagrees with the clock
+    case 6:
+        f.hasHash = !f.hasHash;
+        f.hash = ((uint64_t)rng() << 32) | rng();
+        break;
+    case 7: r.header.seed = rng(); break;
+    case 8: r.frames.resize(at); break;
+    default:
+        r.header.screenWidth = (uint16_t)rng();
+        r.header.screenHeight = (uint16_t)rng();
+        break;
+    }
+}
+
+} // namespace
+
+TEST_F(ReplayDeterminismTest, FilesThatCheckWholeButHoldOddContentsPlayToTheirEndOrStopAtADivergence) {
+    const replay::Replay base = readReplay(record(21, 600, wanderAndFire, nullptr, false));
+    std::mt19937 rng(20261125);
+    int whole = 0, diverged = 0, refused = 0;
+    for (int round = 0; round < 1000; ++round) {
+        replay::Replay r = base;
+        for (int changes = 1 + (int)(rng() % 3); changes > 0; --changes) oddContents(r, rng);
+        replay::Writer w;
+        w.begin(r.header);
+        for (const replay::Frame& f : r.frames) w.add(f);
+        w.finish(r.result);
+        replay::Replay back;
+        std::string error;
+        if (!replay::read(w.bytes().data(), w.bytes().size(), back, error)) {
+            EXPECT_EQ(error.rfind("damaged (", 0), 0u) << error;
+            ++refused;
+            continue;
+        }
+        testing::internal::CaptureStderr();
+        ReplayViewer viewer(back);
+        viewer.start();
+        setInput(0, 640, 360);
+        viewer.fastForward();
+        const std::string said = testing::internal::GetCapturedStderr();
+        if (viewer.divergence() >= 0) {
+            EXPECT_EQ(said, "Replay diverged at frame " + std::to_string(viewer.divergence()) + "\n");
+            EXPECT_EQ(viewer.framesPlayed(), (size_t)viewer.divergence() + 1);
+            ++diverged;
+        } else {
+            EXPECT_EQ(said, "");
+            EXPECT_EQ(viewer.framesPlayed(), back.frames.size());
+            ++whole;
+        }
+    }
+    printf("%d played whole, %d diverged, %d refused\n", whole, diverged, refused);
+    // Every kind of outcome came up, or a check above checked nothing.
+    EXPECT_GT(whole, 0);
+    EXPECT_GT(diverged, 0);
+    EXPECT_GT(refused, 0);
+}
+
+TEST_F(ReplayDeterminismTest, DrawingNeverChangesTheCamerasZoomEvenAtTheLongestLead) {
+    // The draw repairs a zoom at or below 0.01 in the camera itself, which an update would then
+    // read; the lead the ship can build keeps the zoom far above that.
+    freshSession(5, START);
+    uint32_t time = START;
+    float least = 1.0f;
+    for (int i = 0; i < 600; ++i) {
+        setInput(0, 1279, 360, SDLK_d);
+        Orvel::setFrameTime(time, time + 16);
+        time += 16;
+        g_game->update();
+        const Camera2D& camera = g_world->camera ? *g_world->camera : g_world->defaultCamera;
+        const float before = camera.zoom;
+        g_world->draw();
+        EXPECT_EQ(camera.zoom, before) << "update " << i;
+        least = std::min(least, before);
+    }
+    // At top speed the lead is 350 units, of the 707 that would zoom out by a fifth.
+    EXPECT_NEAR(least, 1.0f - Player::MAX_SPEED / orvel::vec2(500.0f, 500.0f).length() * 0.2f, 1e-5f);
 }
