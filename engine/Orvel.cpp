@@ -14,6 +14,9 @@
 #include "engine/VertexArrays.h"
 #include "engine/WindowState.h"
 
+// Last, so that its macros (None, Bool, Status) reach none of the headers above.
+#include <X11/Xlib.h>
+
 namespace orvel {
 
 SDL_Surface* Orvel::window = nullptr;
@@ -134,6 +137,10 @@ void Orvel::GEvent::update() {
 
 void Orvel::init(int w, int h, const char* caption, bool full, bool vsync) {
     fullscreen = full;
+    // SDL's event thread reads the X connection while this thread draws and swaps. libX11 1.8 and
+    // later lock every connection for that as they load; older ones need this call before the
+    // first XOpenDisplay, and a second call does nothing.
+    XInitThreads();
     // Subsystems that are already running are left as they are.
     if (SDL_WasInit(SDL_SUBSYSTEMS) == 0 && SDL_Init(SDL_SUBSYSTEMS) < 0) {
         fprintf(stderr, "Error initializing SDL: %s\n", SDL_GetError());
