@@ -12,7 +12,7 @@ class Texture;
 class Scene2D : public SceneRoot {
 public:
     // -1 for either size means the engine's screen width or height. Loads the shared shaders
-    // and creates a framebuffer of that size with all four colour targets and depth.
+    // and creates a framebuffer of that size with one colour target and depth.
     Scene2D(int width, int height);
     // Unlinks the children (not deleted) and deletes the framebuffer.
     ~Scene2D() override;
@@ -23,6 +23,7 @@ public:
 
     orvel::Framebuffer* framebuffer; // owned
     // Copies of the framebuffer's colour targets (owned by it); color0 is copied to the screen.
+    // The other three are null: the framebuffer is made without them.
     orvel::Texture* color0;
     orvel::Texture* color1;
     orvel::Texture* color2;

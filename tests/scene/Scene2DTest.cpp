@@ -48,20 +48,20 @@ protected:
 
 } // namespace
 
-TEST_F(Scene2DTest, CreatesAFramebufferWithFourColourTargetsAndDepth) {
+TEST_F(Scene2DTest, CreatesAFramebufferWithTheColourTargetItDrawsToAndDepth) {
     Scene2D scene(-1, -1);
     ASSERT_NE(scene.framebuffer, nullptr);
     EXPECT_EQ(scene.framebuffer->width, 1280u);
     EXPECT_EQ(scene.framebuffer->height, 720u);
     EXPECT_NE(scene.framebuffer->color0, nullptr);
-    EXPECT_NE(scene.framebuffer->color1, nullptr);
-    EXPECT_NE(scene.framebuffer->color2, nullptr);
-    EXPECT_NE(scene.framebuffer->color3, nullptr);
+    EXPECT_EQ(scene.framebuffer->color1, nullptr);
+    EXPECT_EQ(scene.framebuffer->color2, nullptr);
+    EXPECT_EQ(scene.framebuffer->color3, nullptr);
     EXPECT_NE(scene.framebuffer->depth, nullptr);
     EXPECT_EQ(scene.color0, scene.framebuffer->color0);
-    EXPECT_EQ(scene.color1, scene.framebuffer->color1);
-    EXPECT_EQ(scene.color2, scene.framebuffer->color2);
-    EXPECT_EQ(scene.color3, scene.framebuffer->color3);
+    EXPECT_EQ(scene.color1, nullptr);
+    EXPECT_EQ(scene.color2, nullptr);
+    EXPECT_EQ(scene.color3, nullptr);
 }
 
 TEST_F(Scene2DTest, TheFramebufferHasTheGivenSize) {
