@@ -103,10 +103,8 @@ void ScoreFile::deleteUnlinked(const ScoreTable& from, const ScoreTable& to) con
 }
 
 ScoreTable ScoreFile::record(const ScoreEntry& entry, int& rank) {
-    return change([&](ScoreTable& table) {
-        rank = table.add(entry);
-        return rank >= 0;
-    });
+    static const std::vector<uint8_t> noReplay;
+    return record(entry, noReplay, rank);
 }
 
 ScoreTable ScoreFile::record(const ScoreEntry& entry, const std::vector<uint8_t>& replay, int& rank) {

@@ -5,8 +5,8 @@
 // falls out of the table.
 
 #include <cstddef>
-#include <functional>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
