@@ -10,15 +10,29 @@
 #include "engine/GL.h"
 #include "engine/Orvel.h"
 #include "game/Enemy.h"
+#include "game/EnemyWeapon.h"
+#include "game/EnergyGauges.h"
 #include "game/Game.h"
+#include "game/HUDRadarBox.h"
+#include "game/HUDScoreBox.h"
+#include "game/HUDWeaponBox.h"
+#include "game/Laser.h"
+#include "game/Plasma.h"
+#include "game/RadarDisplay.h"
+#include "game/Reticle.h"
+#include "game/ScoreCounter.h"
+#include "game/Starfield.h"
 #include "game/Main.h"
 #include "game/Player.h"
 #include "game/Resources.h"
 #include "scene/DirectScene2D.h"
 #include "scene/Fader.h"
+#include "scene/ParticleSlice.h"
 #include "scene/ParticleSystem.h"
 #include "scene/Scene2D.h"
 #include "scene/Shaders.h"
+#include "scene/Sprite.h"
+#include "scene/Text.h"
 
 using orvel::Orvel;
 using orvel::vec2;
@@ -203,6 +217,68 @@ void BenchSession::prepareFrame() {
         if (Enemy* victim = nearestEnemy()) victim->damage(victim->hitPoints + 1.0f);
     }
     setInput(BOTH_BUTTONS, (int)pointer.x, (int)pointer.y);
+    if (hidden != HIDE_NOTHING) hideKind();
+}
+
+const char* BenchSession::hiddenName(Hidden kind) {
+    static const char* const NAMES[HIDDEN_KINDS] = {
+        "nothing",     "sky and stars", "enemy bodies",  "enemy glows", "enemy shots",
+        "player",      "plasma",        "laser",         "particles",   "floating text",
+        "HUD boxes",   "radar",         "gauges",        "score and reticle",
+    };
+    return kind >= 0 && kind < HIDDEN_KINDS ? NAMES[kind] : "?";
+}
+
+namespace {
+
+// Hides every child of the world that is a T.
+template <typename T> void hideWorldChildren() {
+    for (Drawable* d = g_world->first; d; d = d->next)
+        if (dynamic_cast<T*>(d)) d->setVisible(false);
+}
+
+void hide(Drawable* d) {
+    if (d) d->setVisible(false);
+}
+
+} // namespace
+
+void BenchSession::hideKind() {
+    Game& game = *g_game;
+    switch (hidden) {
+    case HIDE_NOTHING:
+    case HIDDEN_KINDS: break;
+    case HIDE_SKY_AND_STARS: hide(game.starfield); break;
+    case HIDE_ENEMY_BODIES:
+    case HIDE_ENEMY_GLOWS:
+        for (unsigned i = 0; i < game.enemies.count; ++i)
+            if (EnemyShip* ship = dynamic_cast<EnemyShip*>(game.enemies.data[i]))
+                hide(hidden == HIDE_ENEMY_BODIES ? ship->sprite : ship->glow);
+        break;
+    case HIDE_ENEMY_SHOTS: hideWorldChildren<EnemyWeapon>(); break;
+    case HIDE_PLAYER:
+        if (game.player) hide(game.player->drawable);
+        break;
+    case HIDE_PLASMA:
+        if (game.player) hide(game.player->plasma);
+        break;
+    case HIDE_LASER:
+        if (game.player) hide(game.player->laser);
+        break;
+    case HIDE_PARTICLES: hideWorldChildren<ParticleSlice>(); break;
+    case HIDE_FLOATING_TEXT: hideWorldChildren<Text>(); break;
+    case HIDE_HUD_BOXES:
+        hide(game.scoreBox ? game.scoreBox->frame : nullptr);
+        hide(game.weaponBox ? game.weaponBox->frame : nullptr);
+        hide(game.radarBox ? game.radarBox->frame : nullptr);
+        break;
+    case HIDE_RADAR: hide(game.radarDisplay); break;
+    case HIDE_GAUGES: hide(game.energyGauges); break;
+    case HIDE_SCORE_AND_RETICLE:
+        hide(game.scoreCounter ? game.scoreCounter->drawable : nullptr);
+        hide(game.reticle);
+        break;
+    }
 }
 
 void BenchSession::logic() {
@@ -231,6 +307,15 @@ int BenchSession::liveExplosionParticles() const {
     for (unsigned i = 0; i < system->capacity; ++i) {
         const Particle& p = system->particles[i];
         if (p.slice && p.deathTime >= Orvel::currentTime) ++n;
+    }
+    return n;
+}
+
+int BenchSession::enemiesOnScreen() const {
+    int n = 0;
+    for (unsigned i = 0; i < g_game->enemies.count; ++i) {
+        const vec2 p = g_world->drawnPosition(g_game->enemies.data[i]->position);
+        if (p.x >= 0.0f && p.x < SCREEN_WIDTH && p.y >= 0.0f && p.y < SCREEN_HEIGHT) ++n;
     }
     return n;
 }

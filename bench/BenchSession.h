@@ -51,6 +51,33 @@ public:
 
     // Explosion particles alive at the current clock.
     int liveExplosionParticles() const;
+    // Enemies whose centre lies on the screen, as the world's camera now draws them.
+    int enemiesOnScreen() const;
+
+    // What a profile run leaves undrawn, hidden anew before every frame (nodes come and go), so
+    // that the cost of each kind of draw is the whole frame's less the frame without it.
+    enum Hidden {
+        HIDE_NOTHING,
+        HIDE_SKY_AND_STARS,
+        HIDE_ENEMY_BODIES,
+        HIDE_ENEMY_GLOWS,
+        HIDE_ENEMY_SHOTS,
+        HIDE_PLAYER,
+        HIDE_PLASMA,
+        HIDE_LASER,
+        HIDE_PARTICLES,
+        HIDE_FLOATING_TEXT,
+        HIDE_HUD_BOXES,
+        HIDE_RADAR,
+        HIDE_GAUGES,
+        HIDE_SCORE_AND_RETICLE,
+        HIDDEN_KINDS
+    };
+    static const char* hiddenName(Hidden kind);
+    Hidden hidden = HIDE_NOTHING;
+
+    // Hides the nodes of `hidden`.
+    void hideKind();
 
     ReplayRecorder recorder; // recording since the session was built
     int frame;      // frames prepared so far

@@ -1,5 +1,5 @@
 // Frame benchmarks of a real game session: the game logic of a frame and a whole frame at
-// waves 1, 9 and 17, each after 120 warm-up frames, with the median and 99th percentile frame
+// waves 1, 9, 17, 25 and 33, each after 120 warm-up frames, with the median and 99th percentile frame
 // time and the heap allocations per measured frame as counters. The sound rows play the music
 // and the effects through the mixer on SDL's dummy audio driver, which mixes in real time on its
 // own thread; that thread's CPU time per 16.7 ms of sound is the mixing cost of a frame.
@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <string>
 #include <vector>
 
 #include <SDL/SDL.h>
@@ -137,7 +138,7 @@ public:
 // Only the frame itself is timed; the script's input and the counting stay outside. With
 // `sound`, the music and the effects play as in the game.
 void runScenario(benchmark::State& state, void (BenchSession::*frameOf)(), bool explosive = false,
-                 bool sound = false) {
+                 bool sound = false, BenchSession::Hidden hidden = BenchSession::HIDE_NOTHING) {
     if (!orvel::Orvel::window) {
         state.SkipWithError("no window");
         return;
@@ -148,7 +149,9 @@ void runScenario(benchmark::State& state, void (BenchSession::*frameOf)(), bool 
         state.SkipWithError("no audio device");
         return;
     }
-    BenchSession session((int)state.range(0), explosive);
+    // A profile row's argument names what it hides; it plays wave 17.
+    BenchSession session(hidden == BenchSession::HIDE_NOTHING ? (int)state.range(0) : 17, explosive);
+    session.hidden = hidden;
     for (int i = 0; i < BenchSession::WARM_UP_FRAMES; ++i) {
         session.prepareFrame();
         (session.*frameOf)();
@@ -157,7 +160,7 @@ void runScenario(benchmark::State& state, void (BenchSession::*frameOf)(), bool 
     std::vector<double> ms;
     ms.reserve((size_t)state.max_iterations);
     size_t allocations = 0;
-    double particles = 0.0;
+    double particles = 0.0, onScreen = 0.0;
     if (audio) {
         audio->output.plays = 0;
         audio->restartMixClock();
@@ -175,6 +178,7 @@ void runScenario(benchmark::State& state, void (BenchSession::*frameOf)(), bool 
         state.SetIterationTime(seconds);
         ms.push_back(seconds * 1000.0);
         particles += session.liveExplosionParticles();
+        onScreen += session.enemiesOnScreen();
     }
     const double cpuSeconds = (double)(cpuNanoseconds(CLOCK_PROCESS_CPUTIME_ID) - cpuAtStart) * 1e-9;
     const double wallSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - wallAtStart).count();
@@ -186,6 +190,7 @@ void runScenario(benchmark::State& state, void (BenchSession::*frameOf)(), bool 
     state.counters["allocs/frame"] = frames > 0 ? (double)allocations / frames : 0.0;
     state.counters["enemies"] = (double)g_game->enemies.count;
     state.counters["particles"] = frames > 0 ? particles / frames : 0.0;
+    state.counters["on_screen"] = frames > 0 ? onScreen / frames : 0.0;
     // Cores kept busy while the frames ran back to back: every thread of the process, the
     // renderer's and the audio thread's included.
     if (wallSeconds > 0.0) state.counters["cpu_cores"] = cpuSeconds / wallSeconds;
@@ -232,8 +237,24 @@ void FullFrameSound(benchmark::State& state) {
     runScenario(state, &BenchSession::fullFrame, true, true);
 }
 
+// The whole wave-17 frame with one kind of draw left out (BenchSession::Hidden): the frame's
+// cost less this row's is what that kind costs.
+void FullFrameWithout(benchmark::State& state) {
+    const BenchSession::Hidden hidden = (BenchSession::Hidden)state.range(0);
+    state.SetLabel(std::string("FullFrame w/o ") + BenchSession::hiddenName(hidden));
+    runScenario(state, &BenchSession::fullFrame, false, false, hidden);
+}
+
+void hiddenKinds(benchmark::internal::Benchmark* b) {
+    b->ArgName("hiding");
+    for (int kind = BenchSession::HIDE_SKY_AND_STARS; kind < BenchSession::HIDDEN_KINDS; ++kind) b->Arg(kind);
+    b->Iterations(MEASURED_FRAMES)->UseManualTime()->Unit(benchmark::kMillisecond);
+}
+
 void waves(benchmark::internal::Benchmark* b) {
-    b->ArgName("wave")->Arg(1)->Arg(9)->Arg(17);
+    // 25 and 33: past wave 17, where a strong player goes, the cost must follow the enemies on
+    // the screen.
+    b->ArgName("wave")->Arg(1)->Arg(9)->Arg(17)->Arg(25)->Arg(33);
     b->Iterations(MEASURED_FRAMES)->UseManualTime()->Unit(benchmark::kMillisecond);
 }
 
@@ -242,6 +263,7 @@ void waves(benchmark::internal::Benchmark* b) {
 BENCHMARK(Logic)->Apply(waves);
 BENCHMARK(LogicRecording)->ArgName("wave")->Arg(17)->Iterations(MEASURED_FRAMES)->UseManualTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(FullFrame)->Apply(waves);
+BENCHMARK(FullFrameWithout)->Apply(hiddenKinds);
 // Fewer measured frames: a kill every third frame would empty the swarm within 700 frames.
 BENCHMARK(LogicExplosions)->ArgName("wave")->Arg(17)->Iterations(EXPLOSIVE_FRAMES)->UseManualTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(FullFrameExplosions)->ArgName("wave")->Arg(17)->Iterations(EXPLOSIVE_FRAMES)->UseManualTime()->Unit(benchmark::kMillisecond);

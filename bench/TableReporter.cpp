@@ -107,6 +107,11 @@ void TableReporter::ReportRuns(const std::vector<Run>& runs) {
                      counter(run, "median_ms") / FloorBench::medianMs(), FloorBench::medianMs());
             out << line;
         }
+        if (!run.error_occurred && wholeFrame && has(run, "on_screen")) {
+            snprintf(line, sizeof line, "%-30s %.1f enemies on the screen, on average over the frames\n", "  on screen:",
+                     counter(run, "on_screen"));
+            out << line;
+        }
         if (!run.error_occurred && wholeFrame && has(run, "cpu_cores")) {
             snprintf(line, sizeof line, "%-30s %.2f cores busy with the frames back to back\n", "  cpu:",
                      counter(run, "cpu_cores"));
