@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <functional>
 #include <random>
 #include <string>
 
@@ -46,6 +47,25 @@ protected:
     }
     // Names in the scores directory but the lock file.
     std::string listing() const { return testing_support::directoryListing(dir, "scores.lock"); }
+    // Runs `write` in two processes at once, writer 0 and writer 1, each with a file of its own
+    // for the same path, and waits for both to end well.
+    void twoWritersAtOnce(const std::function<void(ScoreFile&, uint32_t)>& write) {
+        pid_t writers[2];
+        for (uint32_t w = 0; w < 2; ++w) {
+            writers[w] = fork();
+            if (writers[w] == 0) {
+                ScoreFile file(path);
+                write(file, w);
+                _exit(0);
+            }
+            ASSERT_GT(writers[w], 0);
+        }
+        for (pid_t writer : writers) {
+            int status = -1;
+            waitpid(writer, &status, 0);
+            EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+        }
+    }
     // Ten entries named after `prefix`, scored 1000 to 10 000.
     static ScoreTable fullTable(const std::string& prefix) {
         ScoreTable table;
@@ -279,25 +299,13 @@ TEST_F(ScoreFileTest, AWriterKilledAtFiveHundredRandomMomentsLeavesTheOldTableOr
 }
 
 TEST_F(ScoreFileTest, TwoGamesSavingTwoHundredEntriesEachAtOnceKeepTheTopTenOfAllFourHundred) {
-    pid_t writers[2];
-    for (int w = 0; w < 2; ++w) {
-        writers[w] = fork();
-        if (writers[w] == 0) {
-            ScoreFile file(path);
-            for (uint32_t i = 0; i < 200; ++i) {
-                int rank = 0;
-                // Writer 0 saves the odd scores 1 to 399, writer 1 the even ones 2 to 400.
-                file.record(entry("w" + std::to_string(w) + "-" + std::to_string(i), 2 * i + 1 + (uint32_t)w), rank);
-            }
-            _exit(0);
+    twoWritersAtOnce([&](ScoreFile& file, uint32_t w) {
+        for (uint32_t i = 0; i < 200; ++i) {
+            int rank = 0;
+            // Writer 0 saves the odd scores 1 to 399, writer 1 the even ones 2 to 400.
+            file.record(entry("w" + std::to_string(w) + "-" + std::to_string(i), 2 * i + 1 + w), rank);
         }
-        ASSERT_GT(writers[w], 0);
-    }
-    for (pid_t writer : writers) {
-        int status = -1;
-        waitpid(writer, &status, 0);
-        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
-    }
+    });
     testing::internal::CaptureStderr();
     const ScoreTable table = ScoreFile(path).load();
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
@@ -428,25 +436,13 @@ TEST_F(ScoreFileTest, WhenTheScoresCannotBeWrittenTheNewReplayIsNotLeftBehind) {
 }
 
 TEST_F(ScoreFileTest, TwoGamesSavingReplaysAtOnceLeaveExactlyTheTopTensReplays) {
-    pid_t writers[2];
-    for (int w = 0; w < 2; ++w) {
-        writers[w] = fork();
-        if (writers[w] == 0) {
-            ScoreFile file(path);
-            for (uint32_t i = 0; i < 60; ++i) {
-                int rank = 0;
-                const uint32_t score = 2 * i + 1 + (uint32_t)w;
-                file.record(entry("w" + std::to_string(w), score), recording(std::to_string(score)), rank);
-            }
-            _exit(0);
+    twoWritersAtOnce([&](ScoreFile& file, uint32_t w) {
+        for (uint32_t i = 0; i < 60; ++i) {
+            int rank = 0;
+            const uint32_t score = 2 * i + 1 + w;
+            file.record(entry("w" + std::to_string(w), score), recording(std::to_string(score)), rank);
         }
-        ASSERT_GT(writers[w], 0);
-    }
-    for (pid_t writer : writers) {
-        int status = -1;
-        waitpid(writer, &status, 0);
-        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
-    }
+    });
     const ScoreTable table = ScoreFile(path).load();
     ASSERT_EQ(table.entries().size(), 10u);
     for (uint32_t k = 0; k < 10; ++k) {
