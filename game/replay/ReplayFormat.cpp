@@ -291,6 +291,14 @@ void Writer::finish(const Result& result) {
     putChunk(out, TAG_END, payload);
 }
 
+std::vector<uint8_t> write(const Replay& replay) {
+    Writer w;
+    w.begin(replay.header);
+    for (const Frame& f : replay.frames) w.add(f);
+    w.finish(replay.result);
+    return w.bytes();
+}
+
 bool read(const uint8_t* data, size_t size, Replay& replay, std::string& error) {
     replay = Replay();
     if (size > MAX_FILE_BYTES) return failWith(replay, error, "too large to be a replay");

@@ -97,6 +97,10 @@ private:
     uint32_t lastStep; // its time step
 };
 
+// The file of a whole replay at once, as a Writer given its header, frames and result makes it:
+// what read() takes apart.
+std::vector<uint8_t> write(const Replay& replay);
+
 // Reads a whole replay file from `data`. False, with the reason in `error` (one short phrase such
 // as "not a Nightvector replay" or "cut short"), when any part of it is wrong; `replay` is then
 // left empty.

@@ -170,11 +170,8 @@ TEST(Replay, AReplayThatRunsOtherwiseSaysWhereAndLeaves) {
             changed = i;
         }
     ASSERT_EQ(hashed >= 2, true) << hashed;
-    replay::Writer w;
-    w.begin(r.header);
-    for (const replay::Frame& f : r.frames) w.add(f);
-    w.finish(r.result);
-    dir.writeFile("wrong.nvr", std::string(w.bytes().begin(), w.bytes().end()));
+    const std::vector<uint8_t> wrong = replay::write(r);
+    dir.writeFile("wrong.nvr", std::string(wrong.begin(), wrong.end()));
     GameProcess viewer(dir.path(), {}, {"--replay", dir.path() + "/wrong.nvr"});
     EXPECT_EQ(viewer.waitForExit(60000), 0);
     EXPECT_EQ(viewer.errors(), "Replay diverged at frame " + std::to_string(changed) + "\n");

@@ -421,13 +421,10 @@ TEST_F(ReplayDeterminismTest, FilesThatCheckWholeButHoldOddContentsPlayToTheirEn
     for (int round = 0; round < 1000; ++round) {
         replay::Replay r = base;
         for (int changes = 1 + (int)(rng() % 3); changes > 0; --changes) oddContents(r, rng);
-        replay::Writer w;
-        w.begin(r.header);
-        for (const replay::Frame& f : r.frames) w.add(f);
-        w.finish(r.result);
+        const std::vector<uint8_t> bytes = replay::write(r);
         replay::Replay back;
         std::string error;
-        if (!replay::read(w.bytes().data(), w.bytes().size(), back, error)) {
+        if (!replay::read(bytes.data(), bytes.size(), back, error)) {
             EXPECT_EQ(error.rfind("damaged (", 0), 0u) << error;
             ++refused;
             continue;

@@ -310,3 +310,11 @@ TEST(ReplayFormat, ATimeStepNoGameTakesIsRefused) {
     b.time = 0x10u;
     EXPECT_EQ(withFrames({a, b}), "");
 }
+
+TEST(ReplayFormat, AWholeReplayWrittenAtOnceIsTheFileItWasReadFrom) {
+    const std::vector<uint8_t> file = livelyFile(2500);
+    Replay r;
+    std::string error;
+    ASSERT_TRUE(read(file.data(), file.size(), r, error)) << error;
+    EXPECT_EQ(write(r), file);
+}
