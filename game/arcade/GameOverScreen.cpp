@@ -94,9 +94,9 @@ void GameOverScreen::showResult() {
     finished.when = wallClock();
     if (file) {
         // The game's recording is finished by now: it ends with the game, before Game Over fades in.
-        static const std::vector<uint8_t> noReplay;
         const bool recorded = g_lastReplay && !g_lastReplay->recording();
-        shown = file->record(finished, recorded ? g_lastReplay->recorderInUse().file().bytes() : noReplay, entryRank);
+        shown = recorded ? file->record(finished, g_lastReplay->recorderInUse().file().bytes(), entryRank)
+                         : file->record(finished, entryRank);
     } else {
         entryRank = shown.add(finished);
     }
