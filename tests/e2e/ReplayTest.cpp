@@ -1,7 +1,9 @@
-// Every game is kept as a replay: the real program, played and left with Escape or by closing
-// its window, leaves last.nvr in its data home, a whole file that reads back.
+// Every game is kept as a replay: the real program, played and left with Escape, by closing its
+// window or by the terminate signal, leaves last.nvr in its data home, a whole file that reads
+// back.
 
 #include <cmath>
+#include <csignal>
 #include <string>
 #include <vector>
 
@@ -80,6 +82,18 @@ TEST(Replay, AGameWhoseWindowIsClosedIsKeptAsTheLastReplay) {
     ASSERT_NE(window, 0ul);
     xdriver::requestClose(window);
     EXPECT_EQ(game.waitForExit(), 0);
+    expectAGameOfAFewSeconds(keptReplay(dir));
+}
+
+// A desktop that logs out sends the terminate signal, which SDL turns into the window's close.
+TEST(Replay, AGameEndedByTheTerminateSignalIsKeptAsTheLastReplay) {
+    Surroundings dir;
+    dir.linkData();
+    GameProcess game(dir.path());
+    ASSERT_NO_FATAL_FAILURE(playAWhile(game));
+    ASSERT_EQ(kill(game.processId(), SIGTERM), 0);
+    EXPECT_EQ(game.waitForExit(), 0);
+    EXPECT_EQ(game.signal(), 0);
     expectAGameOfAFewSeconds(keptReplay(dir));
 }
 

@@ -3,6 +3,7 @@
 // timing, so only many starts can show it: every start must reach the intro and end with status 0.
 // NIGHTVECTOR_STARTUP_STORM_STARTS sets the number of starts (default 30); the soak runs 300.
 
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -27,7 +28,8 @@ int starts() { return e2e::positiveSetting("NIGHTVECTOR_STARTUP_STORM_STARTS", D
 
 enum class Outcome { Clean, Crashed, Failed };
 
-// One start: to the intro, a stay there, then out by the window's close button or by Escape.
+// One start: to the intro, a stay there, then out by Escape, by the window's close button or by
+// the terminate signal a desktop's logout sends, in turn.
 Outcome startAndQuit(const Surroundings& dir, int number, std::string& report) {
     GameProcess game(dir.path());
     const bool atIntro = game.waitForOutput("megabytes\n");
@@ -35,8 +37,11 @@ Outcome startAndQuit(const Surroundings& dir, int number, std::string& report) {
     if (atIntro) {
         e2e::pause(number * 613 % LONGEST_STAY_MS);
         const unsigned long window = game.window();
-        if (number % 2 == 0 && window != 0) {
+        if (number % 3 == 1 && window != 0) {
             xdriver::requestClose(window);
+            status = game.waitForExit();
+        } else if (number % 3 == 2) {
+            kill(game.processId(), SIGTERM);
             status = game.waitForExit();
         } else {
             status = game.escapeAndWaitForExit();
