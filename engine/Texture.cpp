@@ -21,7 +21,7 @@ void upload(const Surface* image) {
 
 Texture::Texture(const Surface* image)
     : unit(GL_TEXTURE0), id(0), sScale(1), tScale(1), spare(0), width(0), height(0), depth(0),
-      target(GL_TEXTURE_2D), internalFormat(GL_RGBA8) {
+      target(GL_TEXTURE_2D), internalFormat(GL_RGBA8), visible(TexelBox::unknown()) {
     glGenTextures(1, &id);
     glBindTexture(target, id);
     glTexParameteri(target, GL_TEXTURE_WRAP_S, GL_REPEAT);
@@ -29,6 +29,7 @@ Texture::Texture(const Surface* image)
     glTexParameteri(target, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
     glTexParameteri(target, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
     if (!image) return;
+    if (image->width > 0 && image->height > 0) visible = TexelBox::ofVisible(*image);
 
     if (Math::isPowerOf2(image->width) && Math::isPowerOf2(image->height)) {
         width = image->width;
@@ -48,7 +49,7 @@ Texture::Texture(const Surface* image)
 
 Texture::Texture(int w, int h, int d, unsigned textureTarget, unsigned format)
     : unit(0), id(0), sScale(1), tScale(1), spare(0), width(std::max(w, 8)), height(std::max(h, 8)),
-      depth(std::max(d, 2)), target(textureTarget), internalFormat(format) {
+      depth(std::max(d, 2)), target(textureTarget), internalFormat(format), visible(TexelBox::unknown()) {
     glGenTextures(1, &id);
     glBindTexture(target, id);
     glTexParameteri(target, GL_TEXTURE_MIN_FILTER, GL_LINEAR);

@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+#include "engine/TexelBox.h"
+
 namespace orvel {
 
 class Surface;
@@ -19,6 +21,9 @@ public:
     int depth;       // layers of a 3-D texture
     unsigned target; // GL_TEXTURE_1D, GL_TEXTURE_2D or GL_TEXTURE_3D
     unsigned internalFormat;
+    // The image's texels with alpha, in texel coordinates (the padding holds none); unknown for
+    // a render target or an empty texture object.
+    TexelBox visible;
 
     // Sum of width * height * 4 bytes over the live textures (depth is not counted).
     static uint32_t usedMemory;

@@ -5,6 +5,7 @@
 #include "engine/VertexArrays.h"
 #include "scene/SceneRoot.h"
 #include "scene/Shaders.h"
+#include "scene/SpriteClip.h"
 
 using orvel::Texture;
 
@@ -75,5 +76,10 @@ void Sprite::draw(SceneState& state) {
     texture->bind(GL_TEXTURE0);
     glColor4f(1, 1, 1, 1);
     orvel::VertexArrays::bindTextured(vertices, texcoords, colors);
+    // A whole image under a blend that keeps the target where alpha is 0 is drawn only around
+    // its texels with alpha: the same pixels, fewer of them shaded.
+    const bool clipped = !animated && SpriteClip::blendKeepsClearTexels(flags) &&
+                         SpriteClip::begin(*texture, x0, y0, x1, y1);
     glDrawArrays(GL_QUADS, 0, 4);
+    if (clipped) SpriteClip::end();
 }

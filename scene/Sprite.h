@@ -21,7 +21,8 @@ public:
     void init(orvel::Texture* texture, orvel::Texture* glowTexture, float w, float h);
 
     // One quad in the scene's model-view matrix, texel times the state's colour. Nothing
-    // without a texture.
+    // without a texture. A whole image under a blend that keeps the target where alpha is 0 is
+    // rasterised only around its texels with alpha (SpriteClip), at the same pixels.
     void draw(SceneState& state) override;
 
     orvel::Texture* texture;     // not owned; null draws nothing

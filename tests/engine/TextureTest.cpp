@@ -100,6 +100,25 @@ TEST_F(TextureTest, NullImageGivesEmptyTextureWithoutMemory) {
     EXPECT_EQ(Texture::usedMemory, before);
 }
 
+TEST_F(TextureTest, AnImageTextureKnowsItsTexelsWithAlphaInsideThePadding) {
+    Surface image(100, 50);
+    image.setPixel(12, 40, 0xff000000);
+    image.setPixel(99, 7, 0x01000000);
+    Texture t(&image);
+    EXPECT_TRUE(t.visible.known);
+    EXPECT_EQ(t.visible.x0, 12);
+    EXPECT_EQ(t.visible.y0, 7);
+    EXPECT_EQ(t.visible.x1, 99);
+    EXPECT_EQ(t.visible.y1, 40);
+}
+
+TEST_F(TextureTest, NullImagesAndRenderTargetsDoNotKnowTheirTexels) {
+    Texture empty(nullptr);
+    EXPECT_FALSE(empty.visible.known);
+    Texture target(64, 32, 0, GL_TEXTURE_2D, GL_RGBA8);
+    EXPECT_FALSE(target.visible.known);
+}
+
 TEST_F(TextureTest, DestructionReturnsPaddedMemory) {
     uint32_t before = Texture::usedMemory;
     Surface image(100, 50);
