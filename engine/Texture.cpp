@@ -29,7 +29,7 @@ Texture::Texture(const Surface* image)
     glTexParameteri(target, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
     glTexParameteri(target, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
     if (!image) return;
-    if (image->width > 0 && image->height > 0) visible = TexelBox::ofVisible(*image);
+    visible = TexelBox::ofVisible(*image);
 
     if (Math::isPowerOf2(image->width) && Math::isPowerOf2(image->height)) {
         width = image->width;

@@ -22,6 +22,14 @@ void expectBox(const TexelBox& b, int x0, int y0, int x1, int y1) {
     EXPECT_EQ(b.y1, y1);
 }
 
+// A w x h image of one colour.
+Surface filled(int w, int h, uint32_t color) {
+    Surface image(w, h);
+    for (int y = 0; y < h; ++y)
+        for (int x = 0; x < w; ++x) image.setPixel(x, y, color);
+    return image;
+}
+
 } // namespace
 
 TEST(TexelBox, HoldsExactlyTheTexelsWithAlpha) {
@@ -32,9 +40,7 @@ TEST(TexelBox, HoldsExactlyTheTexelsWithAlpha) {
 }
 
 TEST(TexelBox, ColourWithoutAlphaDoesNotCount) {
-    Surface image(16, 8);
-    for (int y = 0; y < 8; ++y)
-        for (int x = 0; x < 16; ++x) image.setPixel(x, y, UNSEEN);
+    Surface image = filled(16, 8, UNSEEN);
     image.setPixel(7, 4, Color::getColor(0, 0, 0, 255));
     expectBox(TexelBox::ofVisible(image), 7, 4, 7, 4);
 }
@@ -54,10 +60,7 @@ TEST(TexelBox, TexelsInOppositeCornersSpanTheWholeImage) {
 }
 
 TEST(TexelBox, AnOpaqueImageIsWhole) {
-    Surface image(5, 3);
-    for (int y = 0; y < 3; ++y)
-        for (int x = 0; x < 5; ++x) image.setPixel(x, y, Color::getColor(9, 9, 9, 255));
-    expectBox(TexelBox::ofVisible(image), 0, 0, 4, 2);
+    expectBox(TexelBox::ofVisible(filled(5, 3, Color::getColor(9, 9, 9, 255))), 0, 0, 4, 2);
 }
 
 TEST(TexelBox, OneTexelImageWithAlphaIsItsOwnBox) {
