@@ -78,6 +78,13 @@ void Drawable::setVisible(bool visible) {
     }
 }
 
+DrawMode blendOf(uint32_t flags) {
+    if (flags & BlendAlpha) return BlendAlpha;
+    if (flags & BlendAdd) return BlendAdd;
+    if (flags & BlendColor) return BlendColor;
+    return BlendAlpha;
+}
+
 void Drawable::setDrawMode(unsigned int mode) {
     flags = (flags & ~DRAW_MODE_MASK) | (mode & DRAW_MODE_MASK);
 }

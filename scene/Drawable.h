@@ -31,6 +31,10 @@ enum DrawMode : uint32_t {
     BlendColor = 0x400, // source alpha, source colour
 };
 
+// The mode a node with these flags is drawn with: the first one set in the order above, and
+// BlendAlpha when none is.
+DrawMode blendOf(uint32_t flags);
+
 // Four channels of 0..255.
 struct Color4ub {
     uint8_t r, g, b, a;

@@ -173,14 +173,10 @@ void enterNode(const Drawable& node, const Color4ub& color, bool isEffect, bool 
 }
 
 void applyDrawMode(uint32_t flags) {
-    if (flags & BlendAlpha) {
-        glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
-    } else if (flags & BlendAdd) {
-        glBlendFunc(GL_SRC_ALPHA, GL_ONE);
-    } else if (flags & BlendColor) {
-        glBlendFunc(GL_SRC_ALPHA, GL_SRC_COLOR);
-    } else {
-        glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    switch (blendOf(flags)) {
+    case BlendAdd: glBlendFunc(GL_SRC_ALPHA, GL_ONE); break;
+    case BlendColor: glBlendFunc(GL_SRC_ALPHA, GL_SRC_COLOR); break;
+    case BlendAlpha: glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA); break;
     }
 }
 

@@ -34,8 +34,7 @@ double nearViewport(double v, int start, int length) {
 } // namespace
 
 bool SpriteClip::blendKeepsClearTexels(uint32_t flags) {
-    // The walk's choice: BlendAlpha first, then BlendAdd, then BlendColor, else the alpha blend.
-    return (flags & (BlendAlpha | BlendAdd)) != 0 || (flags & BlendColor) == 0;
+    return blendOf(flags) != BlendColor;
 }
 
 bool SpriteClip::windowRect(const Texture& texture, float x0, float y0, float x1, float y1, const float* modelView,

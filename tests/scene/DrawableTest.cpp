@@ -214,6 +214,15 @@ TEST(Drawable, SetDrawModeTakesOnlyTheModeBits) {
     EXPECT_EQ(n.flags, 0x009u);
 }
 
+TEST(Drawable, ANodeIsDrawnWithTheFirstModeSetAndAlphaWhenNone) {
+    EXPECT_EQ(blendOf(0), BlendAlpha);
+    EXPECT_EQ(blendOf(BlendAdd), BlendAdd);
+    EXPECT_EQ(blendOf(BlendColor), BlendColor);
+    EXPECT_EQ(blendOf(BlendAlpha | BlendAdd | BlendColor), BlendAlpha);
+    EXPECT_EQ(blendOf(BlendAdd | BlendColor), BlendAdd);
+    EXPECT_EQ(blendOf(0x800 | 0x1), BlendAlpha);
+}
+
 TEST(Drawable, DrawModeNamesHaveTheirBits) {
     EXPECT_EQ(BlendAlpha, 0x100u);
     EXPECT_EQ(BlendAdd, 0x200u);
