@@ -427,23 +427,22 @@ TEST(PlayToGameOver, TheTypedNameIsKeptInTheTableAndReturnStartsANewGame) {
     game.pressButton(1);
     game.pressButton(3);
     bool over = false, firing = true;
+    const auto holdFire = [&game, &firing] {
+        if (!firing) return;
+        game.releaseButton(1);
+        game.releaseButton(3);
+        firing = false;
+    };
     const auto start = std::chrono::steady_clock::now();
     const auto giveUp = start + std::chrono::minutes(7);
     for (int step = 0; !over && game.isRunning() && std::chrono::steady_clock::now() < giveUp; ++step) {
-        if (firing && std::chrono::steady_clock::now() > start + std::chrono::minutes(2)) {
-            game.releaseButton(1);
-            game.releaseButton(3);
-            firing = false;
-        }
+        if (std::chrono::steady_clock::now() > start + std::chrono::minutes(2)) holdFire();
         const double angle = step * 0.15;
         game.moveMouse(640 + (int)(300 * std::cos(angle)), 360 + (int)(300 * std::sin(angle)));
         e2e::pause(50);
         over = dir.exists("home/data/nightvector/scores");
     }
-    if (firing) {
-        game.releaseButton(1);
-        game.releaseButton(3);
-    }
+    holdFire();
     ASSERT_TRUE(over) << "no Game Over in seven minutes";
     ASSERT_TRUE(fileHolds(scores, "nightvector scores 2\n"));
 
