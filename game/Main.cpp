@@ -33,6 +33,7 @@
 #include "game/arcade/IntroScores.h"
 #include "game/desktop/CommandLine.h"
 #include "game/desktop/DisplaySwitch.h"
+#include "game/desktop/GameWindow.h"
 #include "game/desktop/Settings.h"
 #include "game/desktop/SettingsPanel.h"
 #include "game/replay/FrameShots.h"
@@ -257,7 +258,10 @@ void startUp(bool fullscreen) {
     // Before the window: SDL's event thread polls the joysticks, and SDL sets up its joystick list
     // without the lock that thread takes, so that list must be complete before the thread starts.
     Gamepad::open();
-    Orvel::init(1280, 720, CAPTION, fullscreen, true);
+    if (!GameWindow::open(1280, 720, CAPTION, fullscreen)) {
+        Orvel::quit();
+        exit(1);
+    }
     // The window shows the loading bar from its first moment until the intro's first frame.
     LoadingBar::show(0, 1);
     Orvel::update();

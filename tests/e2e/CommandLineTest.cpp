@@ -1,6 +1,7 @@
 // The real program's command line: --help and --version answer and exit, a mistake exits 2 with
 // the usage on standard error and starts nothing, --window plays in a window on a larger screen.
-// Its settings: the file's display choice, Alt+Return kept in the file, a damaged file.
+// Its settings: the file's display choice, Alt+Return kept in the file, a damaged file, full
+// screen on a screen too small for it.
 
 #include <csignal>
 #include <cstdio>
@@ -26,10 +27,12 @@ const char* const USAGE_START = "Usage: nightvector [OPTION]...\n";
 
 std::string runOn(const std::string& display, const std::string& command);
 
-// An X server of its own with a 1920 x 1080 screen, for as long as the object lives.
-class LargeScreen {
+// An X server of its own with a screen of `width` x `height`, for as long as the object lives.
+class OwnScreen {
 public:
-    LargeScreen() {
+    OwnScreen(int width, int height) {
+        const std::string size = std::to_string(width) + "x" + std::to_string(height);
+        const std::string geometry = std::to_string(width) + " " + std::to_string(height) + "\n";
         int fds[2];
         if (pipe(fds) != 0) return;
         pid = fork();
@@ -40,7 +43,8 @@ public:
             const std::string fd = std::to_string(fds[1]);
             // -noreset: without it the server starts over whenever its last client leaves, and a
             // client that comes meanwhile is turned away.
-            execlp("Xvfb", "Xvfb", "-displayfd", fd.c_str(), "-screen", "0", "1920x1080x24", "-nolisten", "tcp",
+            const std::string screen = size + "x24";
+            execlp("Xvfb", "Xvfb", "-displayfd", fd.c_str(), "-screen", "0", screen.c_str(), "-nolisten", "tcp",
                    "-noreset", (char*)nullptr);
             _exit(127);
         }
@@ -52,12 +56,12 @@ public:
         if (in) fclose(in);
         // Taken as ready once a client sees its screen.
         for (int tries = 0; !display.empty() && tries < 50; ++tries) {
-            if (runOn(display, "xdotool getdisplaygeometry 2>/dev/null") == "1920 1080\n") return;
+            if (runOn(display, "xdotool getdisplaygeometry 2>/dev/null") == geometry) return;
             e2e::pause(100);
         }
         display.clear();
     }
-    ~LargeScreen() {
+    ~OwnScreen() {
         if (pid > 0) {
             kill(pid, SIGTERM);
             waitpid(pid, nullptr, 0);
@@ -130,7 +134,7 @@ TEST(CommandLine, AStrayArgumentExitsWithStatusTwo) {
 }
 
 TEST(CommandLine, WindowPlaysIn1280By720OnALargerScreenAndFullScreenCoversTheScreen) {
-    LargeScreen screen;
+    OwnScreen screen(1920, 1080);
     ASSERT_FALSE(screen.display.empty()) << "no Xvfb";
     for (const char* option : {"--window", "--fullscreen"}) {
         Surroundings dir;
@@ -145,6 +149,33 @@ TEST(CommandLine, WindowPlaysIn1280By720OnALargerScreenAndFullScreenCoversTheScr
         EXPECT_EQ(covering, window ? "0\n" : "1\n") << option;
         EXPECT_EQ(escapeOn(screen.display, game), 0) << option;
     }
+}
+
+TEST(Settings, FullScreenOnAScreenSmallerThanThePicturePlaysInAWindowAndKeepsTheChoice) {
+    OwnScreen screen(1024, 768);
+    ASSERT_FALSE(screen.display.empty()) << "no Xvfb";
+    Surroundings dir;
+    dir.linkData();
+    // No settings file: full screen, as a new player starts.
+    GameProcess game(dir.path(), {"DISPLAY=" + screen.display});
+    ASSERT_TRUE(game.waitForOutput("megabytes\n")) << game.errors();
+    EXPECT_NE(game.errors().find("Could not start in full screen: the display refused (No video mode large enough "
+                                 "for 1280x720); playing in a window\n"),
+              std::string::npos)
+        << game.errors();
+    EXPECT_EQ(windowSize(screen.display), "1280x720");
+    EXPECT_EQ(runOn(screen.display, "xwininfo -root -children | grep -c ' 1024x768+0+0 '"), "0\n");
+    // The intro is drawn in the window.
+    runOn(screen.display, "xdotool keydown F1; sleep 0.4; xdotool keyup F1");
+    e2e::Image shot;
+    for (int waited = 0; waited < 20000 && !e2e::loadBmp(dir.path() + "/screenshot_1.bmp", shot); waited += 50)
+        e2e::pause(50);
+    ASSERT_EQ(shot.width, 1280);
+    ASSERT_EQ(shot.height, 720);
+    EXPECT_TRUE(shot.hasInk(0, 0, 1280, 720));
+    EXPECT_EQ(escapeOn(screen.display, game), 0) << game.errors();
+    // The choice stays full screen for a display that can give it.
+    EXPECT_FALSE(dir.exists("home/config/nightvector/settings"));
 }
 
 namespace {
@@ -167,7 +198,7 @@ const char* const WINDOWED = "nightvector settings 1\ndisplay = window\n";
 } // namespace
 
 TEST(Settings, TheFilesWindowIsUsedAndAltReturnSwitchesToFullScreenAndKeepsIt) {
-    LargeScreen screen;
+    OwnScreen screen(1920, 1080);
     ASSERT_FALSE(screen.display.empty()) << "no Xvfb";
     Surroundings dir;
     dir.linkData();
@@ -196,7 +227,7 @@ TEST(Settings, TheFilesWindowIsUsedAndAltReturnSwitchesToFullScreenAndKeepsIt) {
 }
 
 TEST(Settings, TheCommandLineOverridesTheFileForThisRunOnly) {
-    LargeScreen screen;
+    OwnScreen screen(1920, 1080);
     ASSERT_FALSE(screen.display.empty()) << "no Xvfb";
     Surroundings dir;
     dir.linkData();
@@ -209,7 +240,7 @@ TEST(Settings, TheCommandLineOverridesTheFileForThisRunOnly) {
 }
 
 TEST(Settings, AChangeSavedDuringARunDoesNotKeepTheCommandLinesChoices) {
-    LargeScreen screen;
+    OwnScreen screen(1920, 1080);
     ASSERT_FALSE(screen.display.empty()) << "no Xvfb";
     Surroundings dir;
     dir.linkData();
@@ -316,7 +347,7 @@ void tapOn(const std::string& display, const std::string& key) {
 } // namespace
 
 TEST(Display, FullScreenKeepsThePointerOnThePictureAndLetsItGoWhilePaused) {
-    LargeScreen screen;
+    OwnScreen screen(1920, 1080);
     ASSERT_FALSE(screen.display.empty()) << "no Xvfb";
     Surroundings dir;
     dir.linkData();
@@ -342,7 +373,7 @@ TEST(Display, FullScreenKeepsThePointerOnThePictureAndLetsItGoWhilePaused) {
 }
 
 TEST(Display, AWindowNeverHoldsThePointer) {
-    LargeScreen screen;
+    OwnScreen screen(1920, 1080);
     ASSERT_FALSE(screen.display.empty()) << "no Xvfb";
     Surroundings dir;
     dir.linkData();
