@@ -10,6 +10,7 @@
 #include <SDL/SDL.h>
 #include <SDL/SDL_mixer.h>
 
+#include "engine/CrashReport.h"
 #include "engine/DisplayRate.h"
 #include "engine/GL.h"
 #include "engine/Gamepad.h"
@@ -451,6 +452,8 @@ int runNightvector(int argc, char** argv) {
     case CommandLine::RUN:
         break;
     }
+    // A crash that a player meets leaves its signal, thread and stack on standard error.
+    CrashReport::install("nightvector");
     // A replay is read and checked before anything else: a file that cannot be played starts
     // nothing.
     replay::Replay replay;

@@ -1,8 +1,10 @@
 // The real program from the outside: what it prints at start-up, what its intro screen shows,
-// and how it ends.
+// and how it ends, a fatal signal included.
 
+#include <csignal>
 #include <cstdio>
 #include <fstream>
+#include <regex>
 #include <string>
 #include <vector>
 
@@ -70,6 +72,21 @@ TEST(Startup, WithoutDisplayReportsSdlErrorAndExitsWithStatusOne) {
     EXPECT_EQ(game.waitForExit(), 1);
     EXPECT_EQ(game.errors().rfind("Error initializing SDL: ", 0), 0u) << game.errors();
     EXPECT_EQ(game.output(), "");
+}
+
+TEST(Startup, AFatalSignalLeavesItsReportAndStackOnStandardErrorAndStillEndsTheGame) {
+    Surroundings dir;
+    dir.linkData();
+    GameProcess game(dir.path());
+    ASSERT_TRUE(game.waitForOutput("megabytes\n")) << game.errors();
+    game.expectDeathBy(SIGSEGV);
+    kill(game.processId(), SIGSEGV);
+    EXPECT_EQ(game.waitForExit(), -1);
+    EXPECT_EQ(game.signal(), SIGSEGV);
+    // Sent, not met at an address; whichever thread took it names itself and its stack.
+    const std::regex report("nightvector: fatal signal 11 \\(SIGSEGV\\) in thread [0-9]+ \"[^\"]*\"; its stack:\n"
+                            "(.*\\[0x[0-9a-f]+\\]\n){3,}");
+    EXPECT_TRUE(std::regex_search(game.errors(), report)) << game.errors();
 }
 
 TEST(Intro, ScreenshotShowsCentredLinesAndCreditFromTheCentre) {

@@ -86,7 +86,7 @@ bool Surroundings::exists(const std::string& file) const { return access((dir + 
 
 GameProcess::GameProcess(const std::string& workingDir, const std::vector<std::string>& env,
                          const std::vector<std::string>& args)
-    : dir(workingDir), pid(-1), status(-1), endSignal(0), ended(false) {
+    : dir(workingDir), pid(-1), status(-1), endSignal(0), expectedSignal(0), ended(false) {
     // Emptied here, before the child exists: a run in a directory used before must not show the
     // last run's output to a caller that starts waiting for it at once.
     const int out = open((dir + "/stdout.txt").c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
@@ -148,10 +148,12 @@ void GameProcess::reaped(int waitStatus) {
     status = WIFEXITED(waitStatus) ? WEXITSTATUS(waitStatus) : -1;
     if (!WIFSIGNALED(waitStatus)) return;
     endSignal = WTERMSIG(waitStatus);
+    if (endSignal == expectedSignal) return;
     const ::testing::TestInfo* test = ::testing::UnitTest::GetInstance()->current_test_info();
     std::string name = test ? std::string(test->test_suite_name()) + "." + test->name() : "outside a test";
     std::string errors = this->errors();
-    if (errors.size() > 2000) errors = "..." + errors.substr(errors.size() - 2000);
+    // Enough for the game's own report of the signal with a whole stack.
+    if (errors.size() > 8000) errors = "..." + errors.substr(errors.size() - 8000);
     recordCrash(name + ": the game (pid " + std::to_string(pid) + ") died from signal " + std::to_string(endSignal) +
                 " (" + strsignal(endSignal) + ") in " + dir + "; its standard error:\n" + errors);
 }

@@ -62,6 +62,8 @@ public:
     // normal exit. A game that dies from a signal has crashed: the death is also written to the
     // crash ledger (below), which a second run of the test cannot wipe out.
     int signal() const { return endSignal; }
+    // A death from `signal` that the test itself causes: not a crash, and not in the ledger.
+    void expectDeathBy(int signal) { expectedSignal = signal; }
     // The game's process id.
     int processId() const { return pid; }
 
@@ -91,6 +93,7 @@ private:
     int pid;
     int status;
     int endSignal;
+    int expectedSignal;
     bool ended;
     std::string readFile(const std::string& name) const;
     void reaped(int waitStatus);

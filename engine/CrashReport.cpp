@@ -1,0 +1,129 @@
+#include "engine/CrashReport.h"
+
+#include <csignal>
+#include <cstdint>
+#include <cstring>
+
+#include <execinfo.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace orvel {
+
+namespace {
+
+const int FATAL_SIGNALS[] = {SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT};
+const int MAX_FRAMES = 64;
+
+const char* reportedProgram = "program";
+// A stack of its own for the handler, so that a thread that overflowed its stack can still report.
+char alternateStack[64 * 1024];
+
+// Bounded appending into a fixed buffer; always leaves it terminated.
+struct Line {
+    char* out;
+    unsigned size;
+    unsigned used;
+
+    void add(const char* text) {
+        while (*text && used + 1 < size) out[used++] = *text++;
+        out[used] = 0;
+    }
+    void addNumber(unsigned long value, unsigned base) {
+        char digits[24];
+        int n = 0;
+        do {
+            digits[n++] = "0123456789abcdef"[value % base];
+            value /= base;
+        } while (value);
+        char text[24];
+        for (int i = 0; i < n; ++i) text[i] = digits[n - 1 - i];
+        text[n] = 0;
+        add(text);
+    }
+};
+
+const char* signalName(int signal) {
+    switch (signal) {
+    case SIGSEGV: return "SIGSEGV";
+    case SIGBUS: return "SIGBUS";
+    case SIGILL: return "SIGILL";
+    case SIGFPE: return "SIGFPE";
+    case SIGABRT: return "SIGABRT";
+    default: return "signal";
+    }
+}
+
+void writeAll(const char* text, size_t length) {
+    while (length > 0) {
+        const ssize_t written = write(STDERR_FILENO, text, length);
+        if (written <= 0) return;
+        text += written;
+        length -= (size_t)written;
+    }
+}
+
+void onFatalSignal(int signal, siginfo_t* info, void*) {
+    char name[17] = {};
+    prctl(PR_GET_NAME, name, 0, 0, 0);
+    // A fault names its address; the same signal sent by a process (si_code 0 or less) has none.
+    const bool faulted = info->si_code > 0 && signal != SIGABRT;
+    char line[256];
+    CrashReport::describe(line, sizeof line, reportedProgram, signal, faulted, (uintptr_t)info->si_addr,
+                          (long)syscall(SYS_gettid), name);
+    writeAll(line, strlen(line));
+    writeAll("\n", 1);
+    void* frames[MAX_FRAMES];
+    const int count = backtrace(frames, MAX_FRAMES);
+    backtrace_symbols_fd(frames, count, STDERR_FILENO);
+    // The handler was reset as it ran. A fault happens again when the instruction does, now
+    // under the default action; a signal that was sent is sent again.
+    if (!faulted) raise(signal);
+}
+
+} // namespace
+
+void CrashReport::describe(char* out, unsigned size, const char* program, int signal, bool hasAddress,
+                           uintptr_t address, long threadId, const char* threadName) {
+    if (size == 0) return;
+    Line line{out, size, 0};
+    out[0] = 0;
+    line.add(program);
+    line.add(": fatal signal ");
+    line.addNumber((unsigned long)signal, 10);
+    line.add(" (");
+    line.add(signalName(signal));
+    line.add(")");
+    if (hasAddress) {
+        line.add(" at address 0x");
+        line.addNumber((unsigned long)address, 16);
+    }
+    line.add(" in thread ");
+    line.addNumber((unsigned long)threadId, 10);
+    line.add(" \"");
+    line.add(threadName);
+    line.add("\"; its stack:");
+}
+
+void CrashReport::install(const char* program) {
+#if defined(__SANITIZE_ADDRESS__)
+    (void)program;
+#else
+    reportedProgram = program;
+    // The first backtrace loads the unwinder, which allocates: done here, not in the handler.
+    void* frames[2];
+    backtrace(frames, 2);
+    stack_t stack = {};
+    stack.ss_sp = alternateStack;
+    stack.ss_size = sizeof alternateStack;
+    sigaltstack(&stack, nullptr);
+    struct sigaction action = {};
+    action.sa_sigaction = onFatalSignal;
+    action.sa_flags = SA_SIGINFO | SA_ONSTACK | SA_RESETHAND;
+    sigemptyset(&action.sa_mask);
+    for (int signal : FATAL_SIGNALS) sigaction(signal, &action, nullptr);
+#endif
+}
+
+} // namespace orvel

@@ -1,0 +1,116 @@
+// The report a fatal signal leaves on standard error, from a real fault in a child process.
+
+#include <csignal>
+#include <cstdlib>
+#include <string>
+#include <thread>
+
+#include <sys/prctl.h>
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+#include "engine/CrashReport.h"
+
+using orvel::CrashReport;
+
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__)
+#define SKIP_UNDER_SANITIZER() GTEST_SKIP() << "AddressSanitizer reports fatal signals itself"
+#else
+#define SKIP_UNDER_SANITIZER()
+#endif
+
+std::string described(unsigned size, int signal, bool hasAddress, uintptr_t address, long thread,
+                      const char* name) {
+    char out[512];
+    CrashReport::describe(out, size, "nightvector", signal, hasAddress, address, thread, name);
+    return out;
+}
+
+TEST(CrashReportTest, TheLineNamesSignalAddressAndThread) {
+    EXPECT_EQ(described(512, SIGSEGV, true, 0x7f3a00001000, 4242, "llvmpipe-0"),
+              "nightvector: fatal signal 11 (SIGSEGV) at address 0x7f3a00001000 in thread 4242 \"llvmpipe-0\"; "
+              "its stack:");
+}
+
+TEST(CrashReportTest, ANullAddressIsNamedToo) {
+    EXPECT_EQ(described(512, SIGBUS, true, 0, 7, "nightvector"),
+              "nightvector: fatal signal 7 (SIGBUS) at address 0x0 in thread 7 \"nightvector\"; its stack:");
+}
+
+TEST(CrashReportTest, ASignalWithoutAnAddressNamesNone) {
+    EXPECT_EQ(described(512, SIGABRT, false, 0x1234, 99, ""),
+              "nightvector: fatal signal 6 (SIGABRT) in thread 99 \"\"; its stack:");
+}
+
+TEST(CrashReportTest, AShortBufferKeepsTheStartAndIsTerminated) {
+    EXPECT_EQ(described(10, SIGSEGV, true, 0, 1, "x"), "nightvect");
+    EXPECT_EQ(described(1, SIGSEGV, true, 0, 1, "x"), "");
+}
+
+// Writes through a null pointer the optimiser cannot see through.
+void faultOnNull() {
+    volatile int* volatile nowhere = nullptr;
+    *nowhere = 1;
+}
+
+class CrashReportDeathTest : public ::testing::Test {
+protected:
+    void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+};
+
+TEST_F(CrashReportDeathTest, AFaultInTheMainThreadReportsItsAddressAndStackThenDiesOfIt) {
+    SKIP_UNDER_SANITIZER();
+    EXPECT_EXIT(
+        {
+            CrashReport::install("tester");
+            prctl(PR_SET_NAME, "main-thread", 0, 0, 0);
+            faultOnNull();
+        },
+        ::testing::KilledBySignal(SIGSEGV),
+        "^tester: fatal signal 11 \\(SIGSEGV\\) at address 0x0 in thread [0-9]+ \"main-thread\"; its stack:\n"
+        "(.*\\[0x[0-9a-f]+\\]\n){3,}$");
+}
+
+TEST_F(CrashReportDeathTest, AFaultInAnotherThreadNamesThatThread) {
+    SKIP_UNDER_SANITIZER();
+    EXPECT_EXIT(
+        {
+            CrashReport::install("tester");
+            std::thread worker([] {
+                prctl(PR_SET_NAME, "decoder", 0, 0, 0);
+                faultOnNull();
+            });
+            worker.join();
+        },
+        ::testing::KilledBySignal(SIGSEGV), "^tester: fatal signal 11 \\(SIGSEGV\\) at address 0x0 in thread [0-9]+ "
+                                            "\"decoder\"; its stack:\n");
+}
+
+TEST_F(CrashReportDeathTest, AnAbortIsReportedWithoutAnAddressAndStillAborts) {
+    SKIP_UNDER_SANITIZER();
+    EXPECT_EXIT(
+        {
+            CrashReport::install("tester");
+            prctl(PR_SET_NAME, "aborting", 0, 0, 0);
+            abort();
+        },
+        ::testing::KilledBySignal(SIGABRT), "^tester: fatal signal 6 \\(SIGABRT\\) in thread [0-9]+ \"aborting\"; its stack:\n");
+}
+
+TEST_F(CrashReportDeathTest, ASegmentationSignalSentByAnotherProcessEndsTheProgramWithoutAnAddress) {
+    SKIP_UNDER_SANITIZER();
+    EXPECT_EXIT(
+        {
+            CrashReport::install("tester");
+            prctl(PR_SET_NAME, "sent-to", 0, 0, 0);
+            kill(getpid(), SIGSEGV);
+            // Not reached: the signal is sent again with its default action.
+            std::_Exit(0);
+        },
+        ::testing::KilledBySignal(SIGSEGV), "^tester: fatal signal 11 \\(SIGSEGV\\) in thread [0-9]+ \"sent-to\"; its stack:\n");
+}
+
+} // namespace
