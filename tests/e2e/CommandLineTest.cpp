@@ -1,7 +1,7 @@
 // The real program's command line: --help and --version answer and exit, a mistake exits 2 with
 // the usage on standard error and starts nothing, --window plays in a window on a larger screen.
 // Its settings: the file's display choice, Alt+Return kept in the file, a damaged file, full
-// screen on a screen too small for it.
+// screen on a screen too small for it, and a display without OpenGL.
 
 #include <csignal>
 #include <cstdio>
@@ -27,10 +27,11 @@ const char* const USAGE_START = "Usage: nightvector [OPTION]...\n";
 
 std::string runOn(const std::string& display, const std::string& command);
 
-// An X server of its own with a screen of `width` x `height`, for as long as the object lives.
+// An X server of its own with a screen of `width` x `height`, with or without OpenGL (GLX), for
+// as long as the object lives.
 class OwnScreen {
 public:
-    OwnScreen(int width, int height) {
+    OwnScreen(int width, int height, bool withGl = true) {
         const std::string size = std::to_string(width) + "x" + std::to_string(height);
         const std::string geometry = std::to_string(width) + " " + std::to_string(height) + "\n";
         int fds[2];
@@ -44,8 +45,9 @@ public:
             // -noreset: without it the server starts over whenever its last client leaves, and a
             // client that comes meanwhile is turned away.
             const std::string screen = size + "x24";
+            const char* glSwitch = withGl ? "+extension" : "-extension";
             execlp("Xvfb", "Xvfb", "-displayfd", fd.c_str(), "-screen", "0", screen.c_str(), "-nolisten", "tcp",
-                   "-noreset", (char*)nullptr);
+                   "-noreset", glSwitch, "GLX", (char*)nullptr);
             _exit(127);
         }
         close(fds[1]);
@@ -176,6 +178,19 @@ TEST(Settings, FullScreenOnAScreenSmallerThanThePicturePlaysInAWindowAndKeepsThe
     EXPECT_EQ(escapeOn(screen.display, game), 0) << game.errors();
     // The choice stays full screen for a display that can give it.
     EXPECT_FALSE(dir.exists("home/config/nightvector/settings"));
+}
+
+TEST(Settings, ADisplayWithoutOpenGLSaysSoAndExitsWithStatusOne) {
+    OwnScreen screen(1280, 720, false);
+    ASSERT_FALSE(screen.display.empty()) << "no Xvfb";
+    Surroundings dir;
+    dir.linkData();
+    GameProcess game(dir.path(), {"DISPLAY=" + screen.display});
+    EXPECT_EQ(game.waitForExit(), 1);
+    EXPECT_EQ(game.errors(), "Could not start in full screen: the display refused (Couldn't find matching GLX visual); "
+                             "playing in a window\n"
+                             "nightvector: cannot open a 1280 x 720 OpenGL window: Couldn't find matching GLX visual\n");
+    EXPECT_EQ(game.output(), "");
 }
 
 namespace {
