@@ -18,13 +18,18 @@ protected:
     void TearDown() override {
         if (Orvel::window) Orvel::quit();
     }
+    // Opens the window as asked; `errors` gets what that wrote to standard error.
+    bool open(int width, int height, bool fullscreen) {
+        testing::internal::CaptureStderr();
+        const bool opened = GameWindow::open(width, height, "Game window", fullscreen);
+        errors = testing::internal::GetCapturedStderr();
+        return opened;
+    }
+    std::string errors;
 };
 
 TEST_F(GameWindowTest, FullScreenTheScreenCanGiveOpensInFullScreenAndSaysNothing) {
-    testing::internal::CaptureStderr();
-    const bool opened = GameWindow::open(1280, 720, "Full", true);
-    const std::string errors = testing::internal::GetCapturedStderr();
-    ASSERT_TRUE(opened);
+    ASSERT_TRUE(open(1280, 720, true));
     ASSERT_NE(Orvel::window, nullptr);
     EXPECT_TRUE(Orvel::fullscreen);
     EXPECT_TRUE(Orvel::window->flags & SDL_FULLSCREEN);
@@ -32,10 +37,7 @@ TEST_F(GameWindowTest, FullScreenTheScreenCanGiveOpensInFullScreenAndSaysNothing
 }
 
 TEST_F(GameWindowTest, FullScreenLargerThanTheScreenOpensAWindowOfTheSameSizeWithOneLine) {
-    testing::internal::CaptureStderr();
-    const bool opened = GameWindow::open(1600, 900, "Large", true);
-    const std::string errors = testing::internal::GetCapturedStderr();
-    ASSERT_TRUE(opened);
+    ASSERT_TRUE(open(1600, 900, true));
     ASSERT_NE(Orvel::window, nullptr);
     EXPECT_FALSE(Orvel::fullscreen);
     EXPECT_FALSE(Orvel::window->flags & SDL_FULLSCREEN);
@@ -47,10 +49,7 @@ TEST_F(GameWindowTest, FullScreenLargerThanTheScreenOpensAWindowOfTheSameSizeWit
 }
 
 TEST_F(GameWindowTest, AWindowLargerThanTheScreenIsOpenedAsAsked) {
-    testing::internal::CaptureStderr();
-    const bool opened = GameWindow::open(1600, 900, "Window", false);
-    const std::string errors = testing::internal::GetCapturedStderr();
-    ASSERT_TRUE(opened);
+    ASSERT_TRUE(open(1600, 900, false));
     ASSERT_NE(Orvel::window, nullptr);
     EXPECT_FALSE(Orvel::fullscreen);
     EXPECT_EQ(Orvel::window->w, 1600);
