@@ -81,8 +81,8 @@ test-sanitize: test-deps
 	$(call with_crash_ledger,$(SANITIZE_DIR),$(SANITIZE_ENV) ctest --output-on-failure -j $(JOBS) -LE '^e2e$$' -E '^(MusicAsset|Assets)\.')
 
 # The start-up storm: the normal build started STARTUP_STORM_STARTS times (300) to its intro and
-# quit again, with an X client reading the screen every 2 ms beside it; it prints the crashes it
-# counted and fails on any. `make test` runs 30 starts of it. Part of `make soak`.
+# quit again, with an X client reading the screen every 2 ms beside it and another OpenGL
+# program's window over every fourth intro; it prints the crashes it counted and fails on any. `make test` runs 30 starts of it. Part of `make soak`.
 startup-storm: test-deps
 	$(call configure,-DNIGHTVECTOR_TESTS=ON)
 	cmake --build $(BUILD_DIR) -j $(JOBS) --target e2e_tests
