@@ -4,6 +4,7 @@
 #include <malloc.h>
 #include <cstring>
 #include <mutex>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -123,15 +124,21 @@ void ImageLoader::prefetch(const char* const* paths, unsigned count) {
     Prefetch* p = new Prefetch();
     p->paths.assign(paths, paths + count);
     p->images.assign(count, nullptr);
-    p->decoder = std::thread([p] {
-        for (unsigned i = 0; i < p->paths.size(); ++i) {
-            SDL_Surface* image = IMG_Load(p->paths[i]);
-            std::lock_guard<std::mutex> guard(p->lock);
-            p->images[i] = image;
-            p->decoded = i + 1;
-            p->progress.notify_all();
-        }
-    });
+    try {
+        p->decoder = std::thread([p] {
+            for (unsigned i = 0; i < p->paths.size(); ++i) {
+                SDL_Surface* image = IMG_Load(p->paths[i]);
+                std::lock_guard<std::mutex> guard(p->lock);
+                p->images[i] = image;
+                p->decoded = i + 1;
+                p->progress.notify_all();
+            }
+        });
+    } catch (const std::system_error&) {
+        // No thread to be had (a limit on processes or memory): each file is decoded when asked for.
+        delete p;
+        return;
+    }
     prefetching = p;
 }
 

@@ -25,8 +25,8 @@ public:
     // Starts decoding the files `paths` one after another on a thread of its own, so that
     // load() of each of them, asked for in the same order, finds the file already decoded while
     // this thread converts and uploads the one before. A path asked for out of that order is
-    // decoded on the spot. finishPrefetch() waits for the thread and drops what nobody took.
-    // The paths must stay valid until then.
+    // decoded on the spot, and so is every path when no thread can be started. finishPrefetch()
+    // waits for the thread and drops what nobody took. The paths must stay valid until then.
     static void prefetch(const char* const* paths, unsigned count);
     static void finishPrefetch();
 
