@@ -30,30 +30,18 @@ struct Line {
         while (*text && used + 1 < size) out[used++] = *text++;
         out[used] = 0;
     }
+    // Digits are written from the end of the buffer backwards, lowest first.
     void addNumber(unsigned long value, unsigned base) {
-        char digits[24];
-        int n = 0;
+        char text[24];
+        char* digit = text + sizeof text;
+        *--digit = 0;
         do {
-            digits[n++] = "0123456789abcdef"[value % base];
+            *--digit = "0123456789abcdef"[value % base];
             value /= base;
         } while (value);
-        char text[24];
-        for (int i = 0; i < n; ++i) text[i] = digits[n - 1 - i];
-        text[n] = 0;
-        add(text);
+        add(digit);
     }
 };
-
-const char* signalName(int signal) {
-    switch (signal) {
-    case SIGSEGV: return "SIGSEGV";
-    case SIGBUS: return "SIGBUS";
-    case SIGILL: return "SIGILL";
-    case SIGFPE: return "SIGFPE";
-    case SIGABRT: return "SIGABRT";
-    default: return "signal";
-    }
-}
 
 void writeAll(const char* text, size_t length) {
     while (length > 0) {
@@ -92,8 +80,10 @@ void CrashReport::describe(char* out, unsigned size, const char* program, int si
     line.add(program);
     line.add(": fatal signal ");
     line.addNumber((unsigned long)signal, 10);
-    line.add(" (");
-    line.add(signalName(signal));
+    // The C library's own table of names ("SEGV"), which a signal handler may read.
+    const char* name = sigabbrev_np(signal);
+    line.add(" (SIG");
+    line.add(name ? name : "?");
     line.add(")");
     if (hasAddress) {
         line.add(" at address 0x");
