@@ -81,14 +81,6 @@ std::string runOn(const std::string& display, const std::string& command) {
     return e2e::commandOutput("export DISPLAY=" + display + "; " + command);
 }
 
-// Holds Escape on `display` until the game has gone; its exit status.
-int escapeOn(const std::string& display, GameProcess& game) {
-    runOn(display, "xdotool keydown Escape");
-    const int status = game.waitForExit();
-    runOn(display, "xdotool keyup Escape");
-    return status;
-}
-
 // The size of the game's window on `display` as xdotool reports it ("1280x720"), "" if none.
 std::string windowSize(const std::string& display) {
     std::string size = runOn(display, "xdotool search --name '^Nightvector' getwindowgeometry 2>/dev/null"
@@ -149,7 +141,7 @@ TEST(CommandLine, WindowPlaysIn1280By720OnALargerScreenAndFullScreenCoversTheScr
         EXPECT_EQ(windowSize(screen.display), "1280x720") << option;
         const std::string covering = runOn(screen.display, "xwininfo -root -children | grep -c ' 1920x1080+0+0 '");
         EXPECT_EQ(covering, window ? "0\n" : "1\n") << option;
-        EXPECT_EQ(escapeOn(screen.display, game), 0) << option;
+        EXPECT_EQ(game.escapeAndWaitForExit(), 0) << option;
     }
 }
 
@@ -168,14 +160,12 @@ TEST(Settings, FullScreenOnAScreenSmallerThanThePicturePlaysInAWindowAndKeepsThe
     EXPECT_EQ(windowSize(screen.display), "1280x720");
     EXPECT_EQ(runOn(screen.display, "xwininfo -root -children | grep -c ' 1024x768+0+0 '"), "0\n");
     // The intro is drawn in the window.
-    runOn(screen.display, "xdotool keydown F1; sleep 0.4; xdotool keyup F1");
     e2e::Image shot;
-    for (int waited = 0; waited < 20000 && !e2e::loadBmp(dir.path() + "/screenshot_1.bmp", shot); waited += 50)
-        e2e::pause(50);
+    ASSERT_TRUE(game.screenshot("screenshot_1.bmp", shot));
     ASSERT_EQ(shot.width, 1280);
     ASSERT_EQ(shot.height, 720);
     EXPECT_TRUE(shot.hasInk(0, 0, 1280, 720));
-    EXPECT_EQ(escapeOn(screen.display, game), 0) << game.errors();
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0) << game.errors();
     // The choice stays full screen for a display that can give it.
     EXPECT_FALSE(dir.exists("home/config/nightvector/settings"));
 }
@@ -210,6 +200,13 @@ void putSettings(Surroundings& dir, const std::string& text) {
 
 const char* const WINDOWED = "nightvector settings 1\ndisplay = window\n";
 
+// Holds Alt+Return, the display switch, for half a second.
+void holdAltReturn(GameProcess& game) {
+    game.pressKey("alt");
+    game.holdKey("Return");
+    game.releaseKey("alt");
+}
+
 } // namespace
 
 TEST(Settings, TheFilesWindowIsUsedAndAltReturnSwitchesToFullScreenAndKeepsIt) {
@@ -221,7 +218,7 @@ TEST(Settings, TheFilesWindowIsUsedAndAltReturnSwitchesToFullScreenAndKeepsIt) {
     GameProcess game(dir.path(), {"DISPLAY=" + screen.display});
     ASSERT_TRUE(game.waitForOutput("megabytes\n")) << game.errors();
     EXPECT_FALSE(screenCovered(screen.display));
-    runOn(screen.display, "xdotool keydown alt keydown Return; sleep 0.5; xdotool keyup Return keyup alt");
+    holdAltReturn(game);
     bool covered = false;
     for (int waited = 0; waited < 5000 && !covered; waited += 100) {
         covered = screenCovered(screen.display);
@@ -229,7 +226,7 @@ TEST(Settings, TheFilesWindowIsUsedAndAltReturnSwitchesToFullScreenAndKeepsIt) {
     }
     EXPECT_TRUE(covered);
     // Still on the intro: Alt+Return started nothing.
-    EXPECT_EQ(escapeOn(screen.display, game), 0);
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0);
     EXPECT_EQ(testing_support::fileContents(dir.path() + "/home/config/nightvector/settings"),
               "nightvector settings 1\n"
               "music-volume = 10\n"
@@ -250,7 +247,7 @@ TEST(Settings, TheCommandLineOverridesTheFileForThisRunOnly) {
     GameProcess game(dir.path(), {"DISPLAY=" + screen.display}, {"--fullscreen"});
     ASSERT_TRUE(game.waitForOutput("megabytes\n")) << game.errors();
     EXPECT_TRUE(screenCovered(screen.display));
-    EXPECT_EQ(escapeOn(screen.display, game), 0);
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0);
     EXPECT_EQ(testing_support::fileContents(dir.path() + "/home/config/nightvector/settings"), WINDOWED);
 }
 
@@ -264,7 +261,7 @@ TEST(Settings, AChangeSavedDuringARunDoesNotKeepTheCommandLinesChoices) {
     ASSERT_TRUE(game.waitForOutput("megabytes\n")) << game.errors();
     EXPECT_FALSE(screenCovered(screen.display));
     // The player's own choice is saved, with the rest as the file had it.
-    runOn(screen.display, "xdotool keydown alt keydown Return; sleep 0.5; xdotool keyup Return keyup alt");
+    holdAltReturn(game);
     const std::string file = dir.path() + "/home/config/nightvector/settings";
     std::string saved;
     for (int waited = 0; waited < 5000 && saved.empty(); waited += 100) {
@@ -272,7 +269,7 @@ TEST(Settings, AChangeSavedDuringARunDoesNotKeepTheCommandLinesChoices) {
         if (saved.find("display") == std::string::npos) saved.clear();
         if (saved.empty()) e2e::pause(100);
     }
-    EXPECT_EQ(escapeOn(screen.display, game), 0);
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0);
     EXPECT_EQ(saved, "nightvector settings 1\n"
                      "music-volume = 4\n"
                      "effects-volume = 10\n"
@@ -354,11 +351,6 @@ bool pointerHeldOnThePicture(const std::string& display) {
     return false;
 }
 
-// Holds `key` on `display` long enough for a frame to see it.
-void tapOn(const std::string& display, const std::string& key) {
-    runOn(display, "xdotool keydown " + key + "; sleep 0.3; xdotool keyup " + key);
-}
-
 } // namespace
 
 TEST(Display, FullScreenKeepsThePointerOnThePictureAndLetsItGoWhilePaused) {
@@ -371,19 +363,19 @@ TEST(Display, FullScreenKeepsThePointerOnThePictureAndLetsItGoWhilePaused) {
     EXPECT_TRUE(pointerHeldOnThePicture(screen.display));
     // Into play, then paused: the pointer may leave the picture.
     pointerAfterMoveTo(screen.display, 900, 500);
-    tapOn(screen.display, "Return");
+    game.tapKey("Return");
     e2e::pause(3000);
     EXPECT_TRUE(onThePicture(pointerAfterMoveTo(screen.display, 1900, 1070)));
-    tapOn(screen.display, "p");
+    game.tapKey("p");
     e2e::pause(500);
     EXPECT_EQ(pointerAfterMoveTo(screen.display, 10, 10), "10 10");
     EXPECT_EQ(pointerAfterMoveTo(screen.display, 1900, 1070), "1900 1070");
     // Resumed with P, typed with the pointer back on the picture: confined again.
     pointerAfterMoveTo(screen.display, 900, 500);
-    tapOn(screen.display, "p");
+    game.tapKey("p");
     e2e::pause(500);
     EXPECT_TRUE(pointerHeldOnThePicture(screen.display));
-    EXPECT_EQ(escapeOn(screen.display, game), 0);
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0);
     EXPECT_EQ(game.errors(), "");
 }
 
@@ -395,10 +387,10 @@ TEST(Display, AWindowNeverHoldsThePointer) {
     GameProcess game(dir.path(), {"DISPLAY=" + screen.display}, {"--window"});
     ASSERT_TRUE(game.waitForOutput("megabytes\n")) << game.errors();
     pointerAfterMoveTo(screen.display, 600, 300);
-    tapOn(screen.display, "Return");
+    game.tapKey("Return");
     e2e::pause(3000);
     EXPECT_EQ(pointerAfterMoveTo(screen.display, 1900, 1070), "1900 1070");
     EXPECT_EQ(pointerAfterMoveTo(screen.display, 10, 10), "10 10");
     pointerAfterMoveTo(screen.display, 600, 300);
-    EXPECT_EQ(escapeOn(screen.display, game), 0);
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0);
 }

@@ -1,7 +1,7 @@
 // The real game as the end-to-end tests start it. A game that dies from a signal is a crash,
 // told apart from a normal exit and written to the crash ledger with the name of the test that
 // saw it; a game ended by the test's own kill is not. Every game a test starts keeps its
-// player's files in the test's own directory.
+// player's files in the test's own directory, and is driven on the X server it was given.
 
 #include <csignal>
 #include <cstdlib>
@@ -104,4 +104,16 @@ TEST(GameProcessHome, TheGameRunsWithAHomeAndPlayerDirectoriesOfTheTestsOwn) {
     EXPECT_EQ(env["XDG_DATA_HOME"], dir.path() + "/home/data");
     EXPECT_EQ(env["XDG_CONFIG_HOME"], dir.path() + "/home/config");
     EXPECT_EQ(game.escapeAndWaitForExit(), 0);
+}
+
+TEST(GameProcessDisplay, KeysGoToTheXServerTheGameWasGivenOrElseToOurOwn) {
+    Surroundings dir;
+    const char* ours = std::getenv("DISPLAY");
+    ASSERT_NE(ours, nullptr);
+    GameProcess inherited(dir.path(), {}, {"--version"});
+    EXPECT_EQ(inherited.display(), ours);
+    EXPECT_EQ(inherited.waitForExit(), 0);
+    GameProcess given(dir.path(), {"DISPLAY=:97"}, {"--version"});
+    EXPECT_EQ(given.display(), ":97");
+    EXPECT_EQ(given.waitForExit(), 0);
 }

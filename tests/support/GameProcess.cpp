@@ -87,6 +87,10 @@ bool Surroundings::exists(const std::string& file) const { return access((dir + 
 GameProcess::GameProcess(const std::string& workingDir, const std::vector<std::string>& env,
                          const std::vector<std::string>& args)
     : dir(workingDir), pid(-1), status(-1), endSignal(0), expectedSignal(0), ended(false) {
+    const char* inherited = std::getenv("DISPLAY");
+    xDisplay = inherited ? inherited : "";
+    for (const std::string& assignment : env)
+        if (assignment.rfind("DISPLAY=", 0) == 0) xDisplay = assignment.substr(8);
     // Emptied here, before the child exists: a run in a directory used before must not show the
     // last run's output to a caller that starts waiting for it at once.
     const int out = open((dir + "/stdout.txt").c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
@@ -213,8 +217,10 @@ void GameProcess::holdKey(const std::string& key) {
     releaseKey(key);
 }
 
-void GameProcess::pressKey(const std::string& key) { xdriver::xdotool("keydown " + key); }
-void GameProcess::releaseKey(const std::string& key) { xdriver::xdotool("keyup " + key); }
+bool GameProcess::xdotool(const std::string& args) const { return xdriver::xdotoolOn(xDisplay, args); }
+
+void GameProcess::pressKey(const std::string& key) { xdotool("keydown " + key); }
+void GameProcess::releaseKey(const std::string& key) { xdotool("keyup " + key); }
 
 void GameProcess::tapKey(const std::string& key) {
     // Held over several frames: the game samples the keys once a frame, and a software-rendered
@@ -225,15 +231,16 @@ void GameProcess::tapKey(const std::string& key) {
     pause(50);
 }
 
-void GameProcess::pressButton(int button) { xdriver::xdotool("mousedown " + std::to_string(button)); }
-void GameProcess::releaseButton(int button) { xdriver::xdotool("mouseup " + std::to_string(button)); }
+void GameProcess::pressButton(int button) { xdotool("mousedown " + std::to_string(button)); }
+void GameProcess::releaseButton(int button) { xdotool("mouseup " + std::to_string(button)); }
 
 void GameProcess::moveMouse(int x, int y) {
-    xdriver::xdotool("mousemove " + std::to_string(x) + " " + std::to_string(y));
+    xdotool("mousemove " + std::to_string(x) + " " + std::to_string(y));
 }
 
 unsigned long GameProcess::window() {
-    std::string ids = commandOutput(std::string("xdotool search --name \"^") + CAPTION + "$\" 2>/dev/null");
+    const std::string search = std::string("xdotool search --name \"^") + CAPTION + "$\" 2>/dev/null";
+    std::string ids = commandOutput(xdriver::commandOn(xDisplay, search));
     return strtoul(ids.c_str(), nullptr, 10);
 }
 

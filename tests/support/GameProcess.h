@@ -1,6 +1,6 @@
 #pragma once
 // The real game as a child process: its own working directory, standard output and error in
-// files there, driven through the X server like a player would.
+// files there, driven through its X server like a player would.
 
 #include <string>
 #include <utility>
@@ -44,7 +44,8 @@ public:
     // Starts the game in `workingDir` with `env` ("NAME=value"; "NAME=" unsets NAME) added to this
     // process's environment and `args` on its command line. SDL_AUDIODRIVER is "dummy", HOME is
     // `workingDir`/home with the data and config homes inside it, and XDG_CACHE_HOME the caller's
-    // cache, unless env sets them.
+    // cache, unless env sets them. Keys, buttons, the pointer and window searches go to the X
+    // server the game was given: env's DISPLAY, else this process's.
     GameProcess(const std::string& workingDir, const std::vector<std::string>& env = {},
                 const std::vector<std::string>& args = {});
     ~GameProcess();
@@ -66,6 +67,8 @@ public:
     void expectDeathBy(int signal) { expectedSignal = signal; }
     // The game's process id.
     int processId() const { return pid; }
+    // The X server the game was started on (":N").
+    const std::string& display() const { return xDisplay; }
 
     // Holds a key (xdotool key name) down long enough for several frames to see it, then lets go.
     void tapKey(const std::string& key);
@@ -90,6 +93,7 @@ public:
 
 private:
     std::string dir;
+    std::string xDisplay;
     int pid;
     int status;
     int endSignal;
@@ -97,6 +101,7 @@ private:
     bool ended;
     std::string readFile(const std::string& name) const;
     void reaped(int waitStatus);
+    bool xdotool(const std::string& args) const;
 };
 
 // Appends one line about a crash to the file NIGHTVECTOR_CRASH_LEDGER names, if it names one.

@@ -47,7 +47,15 @@ void requestClose(unsigned long window) {
     XCloseDisplay(display);
 }
 
-bool xdotool(const std::string& args) { return system(("xdotool " + args).c_str()) == 0; }
+bool xdotool(const std::string& args) { return xdotoolOn("", args); }
+
+bool xdotoolOn(const std::string& display, const std::string& args) {
+    return system(commandOn(display, "xdotool " + args).c_str()) == 0;
+}
+
+std::string commandOn(const std::string& display, const std::string& command) {
+    return display.empty() ? command : "DISPLAY='" + display + "' " + command;
+}
 
 bool waitFor(const std::function<bool()>& condition, int timeoutMs) {
     for (int waited = 0; waited < timeoutMs; waited += 2) {
