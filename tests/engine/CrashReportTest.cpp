@@ -61,56 +61,50 @@ protected:
     void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
 };
 
+// In the child: the report installed, this thread named `name`, then `end` run.
+void reportedEnd(const char* name, void (*end)()) {
+    CrashReport::install("tester");
+    prctl(PR_SET_NAME, name, 0, 0, 0);
+    end();
+}
+
 TEST_F(CrashReportDeathTest, AFaultInTheMainThreadReportsItsAddressAndStackThenDiesOfIt) {
     SKIP_UNDER_SANITIZER();
-    EXPECT_EXIT(
-        {
-            CrashReport::install("tester");
-            prctl(PR_SET_NAME, "main-thread", 0, 0, 0);
-            faultOnNull();
-        },
-        ::testing::KilledBySignal(SIGSEGV),
-        "^tester: fatal signal 11 \\(SIGSEGV\\) at address 0x0 in thread [0-9]+ \"main-thread\"; its stack:\n"
-        "(.*\\[0x[0-9a-f]+\\]\n){3,}$");
+    EXPECT_EXIT(reportedEnd("main-thread", faultOnNull), ::testing::KilledBySignal(SIGSEGV),
+                "^tester: fatal signal 11 \\(SIGSEGV\\) at address 0x0 in thread [0-9]+ \"main-thread\"; its stack:\n"
+                "(.*\\[0x[0-9a-f]+\\]\n){3,}$");
 }
 
 TEST_F(CrashReportDeathTest, AFaultInAnotherThreadNamesThatThread) {
     SKIP_UNDER_SANITIZER();
-    EXPECT_EXIT(
-        {
-            CrashReport::install("tester");
-            std::thread worker([] {
-                prctl(PR_SET_NAME, "decoder", 0, 0, 0);
-                faultOnNull();
-            });
-            worker.join();
-        },
-        ::testing::KilledBySignal(SIGSEGV), "^tester: fatal signal 11 \\(SIGSEGV\\) at address 0x0 in thread [0-9]+ "
-                                            "\"decoder\"; its stack:\n");
+    EXPECT_EXIT(reportedEnd("main-thread",
+                            [] {
+                                std::thread worker([] {
+                                    prctl(PR_SET_NAME, "decoder", 0, 0, 0);
+                                    faultOnNull();
+                                });
+                                worker.join();
+                            }),
+                ::testing::KilledBySignal(SIGSEGV),
+                "^tester: fatal signal 11 \\(SIGSEGV\\) at address 0x0 in thread [0-9]+ \"decoder\"; its stack:\n");
 }
 
 TEST_F(CrashReportDeathTest, AnAbortIsReportedWithoutAnAddressAndStillAborts) {
     SKIP_UNDER_SANITIZER();
-    EXPECT_EXIT(
-        {
-            CrashReport::install("tester");
-            prctl(PR_SET_NAME, "aborting", 0, 0, 0);
-            abort();
-        },
-        ::testing::KilledBySignal(SIGABRT), "^tester: fatal signal 6 \\(SIGABRT\\) in thread [0-9]+ \"aborting\"; its stack:\n");
+    EXPECT_EXIT(reportedEnd("aborting", [] { abort(); }), ::testing::KilledBySignal(SIGABRT),
+                "^tester: fatal signal 6 \\(SIGABRT\\) in thread [0-9]+ \"aborting\"; its stack:\n");
 }
 
 TEST_F(CrashReportDeathTest, ASegmentationSignalSentByAnotherProcessEndsTheProgramWithoutAnAddress) {
     SKIP_UNDER_SANITIZER();
-    EXPECT_EXIT(
-        {
-            CrashReport::install("tester");
-            prctl(PR_SET_NAME, "sent-to", 0, 0, 0);
-            kill(getpid(), SIGSEGV);
-            // Not reached: the signal is sent again with its default action.
-            std::_Exit(0);
-        },
-        ::testing::KilledBySignal(SIGSEGV), "^tester: fatal signal 11 \\(SIGSEGV\\) in thread [0-9]+ \"sent-to\"; its stack:\n");
+    EXPECT_EXIT(reportedEnd("sent-to",
+                            [] {
+                                kill(getpid(), SIGSEGV);
+                                // Not reached: the signal is sent again with its default action.
+                                std::_Exit(0);
+                            }),
+                ::testing::KilledBySignal(SIGSEGV),
+                "^tester: fatal signal 11 \\(SIGSEGV\\) in thread [0-9]+ \"sent-to\"; its stack:\n");
 }
 
 } // namespace
