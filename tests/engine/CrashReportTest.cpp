@@ -70,23 +70,25 @@ void reportedEnd(const char* name, void (*end)()) {
 
 TEST_F(CrashReportDeathTest, AFaultInTheMainThreadReportsItsAddressAndStackThenDiesOfIt) {
     SKIP_UNDER_SANITIZER();
-    EXPECT_EXIT(reportedEnd("main-thread", faultOnNull), ::testing::KilledBySignal(SIGSEGV),
-                "^tester: fatal signal 11 \\(SIGSEGV\\) at address 0x0 in thread [0-9]+ \"main-thread\"; its stack:\n"
-                "(.*\\[0x[0-9a-f]+\\]\n){3,}$");
+    EXPECT_EXIT(
+        reportedEnd("main-thread", faultOnNull), ::testing::KilledBySignal(SIGSEGV),
+        "^tester: fatal signal 11 \\(SIGSEGV\\) at address 0x0 in thread [0-9]+ \"main-thread\"; its stack:\n"
+        "(.*\\[0x[0-9a-f]+\\]\n){3,}$");
 }
 
 TEST_F(CrashReportDeathTest, AFaultInAnotherThreadNamesThatThread) {
     SKIP_UNDER_SANITIZER();
-    EXPECT_EXIT(reportedEnd("main-thread",
-                            [] {
-                                std::thread worker([] {
-                                    prctl(PR_SET_NAME, "decoder", 0, 0, 0);
-                                    faultOnNull();
-                                });
-                                worker.join();
-                            }),
-                ::testing::KilledBySignal(SIGSEGV),
-                "^tester: fatal signal 11 \\(SIGSEGV\\) at address 0x0 in thread [0-9]+ \"decoder\"; its stack:\n");
+    EXPECT_EXIT(
+        reportedEnd("main-thread",
+                    [] {
+                        std::thread worker([] {
+                            prctl(PR_SET_NAME, "decoder", 0, 0, 0);
+                            faultOnNull();
+                        });
+                        worker.join();
+                    }),
+        ::testing::KilledBySignal(SIGSEGV),
+        "^tester: fatal signal 11 \\(SIGSEGV\\) at address 0x0 in thread [0-9]+ \"decoder\"; its stack:\n");
 }
 
 TEST_F(CrashReportDeathTest, AnAbortIsReportedWithoutAnAddressAndStillAborts) {
