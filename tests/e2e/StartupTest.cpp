@@ -84,8 +84,10 @@ TEST(Startup, AFatalSignalLeavesItsReportAndStackOnStandardErrorAndStillEndsTheG
     EXPECT_EQ(game.waitForExit(), -1);
     EXPECT_EQ(game.signal(), SIGSEGV);
     // Sent, not met at an address; whichever thread took it names itself and its stack.
-    const std::regex report("nightvector: fatal signal 11 \\(SIGSEGV\\) in thread [0-9]+ \"[^\"]*\"; its stack:\n"
-                            "(.*\\[0x[0-9a-f]+\\]\n){3,}");
+    const std::regex report(
+        "nightvector: fatal signal 11 \\(SIGSEGV\\) in thread [0-9]+ \"[^\"]*\" after [0-9]+\\.[0-9]{3} s; "
+        "its stack:\n"
+        "(.*\\[0x[0-9a-f]+\\]\n){3,}");
     EXPECT_TRUE(std::regex_search(game.errors(), report)) << game.errors();
 }
 

@@ -23,26 +23,39 @@ namespace {
 #endif
 
 std::string described(unsigned size, int signal, bool hasAddress, uintptr_t address, long thread,
-                      const char* name) {
+                      const char* name, unsigned long runningMs = 3418) {
     char out[512];
-    CrashReport::describe(out, size, "nightvector", signal, hasAddress, address, thread, name);
+    CrashReport::describe(out, size, "nightvector", {signal, hasAddress, address, thread, name, runningMs});
     return out;
 }
 
-TEST(CrashReportTest, TheLineNamesSignalAddressAndThread) {
+TEST(CrashReportTest, TheLineNamesSignalAddressThreadAndRunningTime) {
     EXPECT_EQ(described(512, SIGSEGV, true, 0x7f3a00001000, 4242, "llvmpipe-0"),
-              "nightvector: fatal signal 11 (SIGSEGV) at address 0x7f3a00001000 in thread 4242 \"llvmpipe-0\"; "
-              "its stack:");
+              "nightvector: fatal signal 11 (SIGSEGV) at address 0x7f3a00001000 in thread 4242 "
+              "\"llvmpipe-0\" after 3.418 s; its stack:");
 }
 
 TEST(CrashReportTest, ANullAddressIsNamedToo) {
-    EXPECT_EQ(described(512, SIGBUS, true, 0, 7, "nightvector"),
-              "nightvector: fatal signal 7 (SIGBUS) at address 0x0 in thread 7 \"nightvector\"; its stack:");
+    EXPECT_EQ(
+        described(512, SIGBUS, true, 0, 7, "nightvector"),
+        "nightvector: fatal signal 7 (SIGBUS) at address 0x0 in thread 7 \"nightvector\" after 3.418 s; its "
+        "stack:");
 }
 
 TEST(CrashReportTest, ASignalWithoutAnAddressNamesNone) {
     EXPECT_EQ(described(512, SIGABRT, false, 0x1234, 99, ""),
-              "nightvector: fatal signal 6 (SIGABRT) in thread 99 \"\"; its stack:");
+              "nightvector: fatal signal 6 (SIGABRT) in thread 99 \"\" after 3.418 s; its stack:");
+}
+
+TEST(CrashReportTest, TheRunningTimeKeepsThreeDigitsOfMilliseconds) {
+    EXPECT_EQ(described(512, SIGFPE, false, 0, 1, "x", 0),
+              "nightvector: fatal signal 8 (SIGFPE) in thread 1 \"x\" after 0.000 s; its stack:");
+    EXPECT_EQ(described(512, SIGFPE, false, 0, 1, "x", 7),
+              "nightvector: fatal signal 8 (SIGFPE) in thread 1 \"x\" after 0.007 s; its stack:");
+    EXPECT_EQ(described(512, SIGFPE, false, 0, 1, "x", 61050),
+              "nightvector: fatal signal 8 (SIGFPE) in thread 1 \"x\" after 61.050 s; its stack:");
+    EXPECT_EQ(described(512, SIGFPE, false, 0, 1, "x", 123456),
+              "nightvector: fatal signal 8 (SIGFPE) in thread 1 \"x\" after 123.456 s; its stack:");
 }
 
 TEST(CrashReportTest, AShortBufferKeepsTheStartAndIsTerminated) {
@@ -72,29 +85,31 @@ TEST_F(CrashReportDeathTest, AFaultInTheMainThreadReportsItsAddressAndStackThenD
     SKIP_UNDER_SANITIZER();
     EXPECT_EXIT(
         reportedEnd("main-thread", faultOnNull), ::testing::KilledBySignal(SIGSEGV),
-        "^tester: fatal signal 11 \\(SIGSEGV\\) at address 0x0 in thread [0-9]+ \"main-thread\"; its stack:\n"
+        "^tester: fatal signal 11 \\(SIGSEGV\\) at address 0x0 in thread [0-9]+ \"main-thread\" after "
+        "[0-9]+\\.[0-9]{3} s; its stack:\n"
         "(.*\\[0x[0-9a-f]+\\]\n){3,}$");
 }
 
 TEST_F(CrashReportDeathTest, AFaultInAnotherThreadNamesThatThread) {
     SKIP_UNDER_SANITIZER();
-    EXPECT_EXIT(
-        reportedEnd("main-thread",
-                    [] {
-                        std::thread worker([] {
-                            prctl(PR_SET_NAME, "decoder", 0, 0, 0);
-                            faultOnNull();
-                        });
-                        worker.join();
-                    }),
-        ::testing::KilledBySignal(SIGSEGV),
-        "^tester: fatal signal 11 \\(SIGSEGV\\) at address 0x0 in thread [0-9]+ \"decoder\"; its stack:\n");
+    EXPECT_EXIT(reportedEnd("main-thread",
+                            [] {
+                                std::thread worker([] {
+                                    prctl(PR_SET_NAME, "decoder", 0, 0, 0);
+                                    faultOnNull();
+                                });
+                                worker.join();
+                            }),
+                ::testing::KilledBySignal(SIGSEGV),
+                "^tester: fatal signal 11 \\(SIGSEGV\\) at address 0x0 in thread [0-9]+ \"decoder\" after "
+                "[0-9]+\\.[0-9]{3} s; its stack:\n");
 }
 
 TEST_F(CrashReportDeathTest, AnAbortIsReportedWithoutAnAddressAndStillAborts) {
     SKIP_UNDER_SANITIZER();
     EXPECT_EXIT(reportedEnd("aborting", [] { abort(); }), ::testing::KilledBySignal(SIGABRT),
-                "^tester: fatal signal 6 \\(SIGABRT\\) in thread [0-9]+ \"aborting\"; its stack:\n");
+                "^tester: fatal signal 6 \\(SIGABRT\\) in thread [0-9]+ \"aborting\" after [0-9]+\\.[0-9]{3} "
+                "s; its stack:\n");
 }
 
 TEST_F(CrashReportDeathTest, ASegmentationSignalSentByAnotherProcessEndsTheProgramWithoutAnAddress) {
@@ -106,7 +121,8 @@ TEST_F(CrashReportDeathTest, ASegmentationSignalSentByAnotherProcessEndsTheProgr
                                 std::_Exit(0);
                             }),
                 ::testing::KilledBySignal(SIGSEGV),
-                "^tester: fatal signal 11 \\(SIGSEGV\\) in thread [0-9]+ \"sent-to\"; its stack:\n");
+                "^tester: fatal signal 11 \\(SIGSEGV\\) in thread [0-9]+ \"sent-to\" after [0-9]+\\.[0-9]{3} "
+                "s; its stack:\n");
 }
 
 } // namespace
