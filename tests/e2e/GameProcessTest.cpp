@@ -106,7 +106,7 @@ TEST(GameProcessHome, TheGameRunsWithAHomeAndPlayerDirectoriesOfTheTestsOwn) {
     EXPECT_EQ(game.escapeAndWaitForExit(), 0);
 }
 
-TEST(GameProcessDisplay, KeysGoToTheXServerTheGameWasGivenOrElseToOurOwn) {
+TEST(GameProcessDisplay, TheGamesXServerIsTheOneItWasGivenOrElseOurOwn) {
     Surroundings dir;
     const char* ours = std::getenv("DISPLAY");
     ASSERT_NE(ours, nullptr);
