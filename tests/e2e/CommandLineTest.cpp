@@ -17,6 +17,7 @@
 #include "tests/support/DamageCounter.h"
 #include "tests/support/FileChecks.h"
 #include "tests/support/GameProcess.h"
+#include "tests/support/XDriver.h"
 
 using e2e::GameProcess;
 using e2e::Surroundings;
@@ -78,7 +79,7 @@ private:
 
 // What `command` prints, run with DISPLAY set to `display` for each of its commands.
 std::string runOn(const std::string& display, const std::string& command) {
-    return e2e::commandOutput("export DISPLAY=" + display + "; " + command);
+    return e2e::commandOutput(xdriver::commandOn(display, command));
 }
 
 // The size of the game's window on `display` as xdotool reports it ("1280x720"), "" if none.

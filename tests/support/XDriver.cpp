@@ -54,7 +54,7 @@ bool xdotoolOn(const std::string& display, const std::string& args) {
 }
 
 std::string commandOn(const std::string& display, const std::string& command) {
-    return display.empty() ? command : "DISPLAY='" + display + "' " + command;
+    return display.empty() ? command : "export DISPLAY='" + display + "'; " + command;
 }
 
 bool waitFor(const std::function<bool()>& condition, int timeoutMs) {

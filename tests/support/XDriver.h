@@ -17,7 +17,8 @@ void requestClose(unsigned long window);
 bool xdotool(const std::string& args);
 // The same on the X server `display` (":N"); "" means the one DISPLAY names.
 bool xdotoolOn(const std::string& display, const std::string& args);
-// The shell command `command` with DISPLAY set to `display` for it ("" leaves DISPLAY alone).
+// The shell command `command` with DISPLAY set to `display` for each of its commands ("" leaves
+// DISPLAY alone).
 std::string commandOn(const std::string& display, const std::string& command);
 // Polls `condition` every 2 ms until it holds or `timeoutMs` passes; returns the last result.
 bool waitFor(const std::function<bool()>& condition, int timeoutMs = 5000);
