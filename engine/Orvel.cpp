@@ -154,6 +154,8 @@ void Orvel::init(int w, int h, const char* caption, bool full, bool vsync) {
     SDL_GL_SetAttribute(SDL_GL_RED_SIZE, 8);
     SDL_GL_SetAttribute(SDL_GL_GREEN_SIZE, 8);
     SDL_GL_SetAttribute(SDL_GL_BLUE_SIZE, 8);
+    // The 8-bit alpha also keeps SDL off a 30-bit screen's DirectColor visuals, whose 1024 colormap
+    // entries overrun the 256-entry table that SDL fills as it sets up their gamma.
     SDL_GL_SetAttribute(SDL_GL_ALPHA_SIZE, 8);
     SDL_GL_SetAttribute(SDL_GL_STENCIL_SIZE, 8);
     SDL_GL_SetAttribute(SDL_GL_SWAP_CONTROL, vsync ? 1 : 0);

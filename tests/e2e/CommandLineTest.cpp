@@ -1,7 +1,7 @@
 // The real program's command line: --help and --version answer and exit, a mistake exits 2 with
 // the usage on standard error and starts nothing, --window plays in a window on a larger screen.
 // Its settings: the file's display choice, Alt+Return kept in the file, a damaged file, full
-// screen on a screen too small for it, and a display without OpenGL.
+// screen on a screen too small for it, a 30-bit screen, and a display without OpenGL.
 
 #include <csignal>
 #include <cstdio>
@@ -28,11 +28,11 @@ const char* const USAGE_START = "Usage: nightvector [OPTION]...\n";
 
 std::string runOn(const std::string& display, const std::string& command);
 
-// An X server of its own with a screen of `width` x `height`, with or without OpenGL (GLX), for
-// as long as the object lives.
+// An X server of its own with a screen of `width` x `height` at `depth` bits a pixel, with or
+// without OpenGL (GLX), for as long as the object lives.
 class OwnScreen {
 public:
-    OwnScreen(int width, int height, bool withGl = true) {
+    OwnScreen(int width, int height, bool withGl = true, int depth = 24) {
         const std::string size = std::to_string(width) + "x" + std::to_string(height);
         const std::string geometry = std::to_string(width) + " " + std::to_string(height) + "\n";
         int fds[2];
@@ -45,7 +45,7 @@ public:
             const std::string fd = std::to_string(fds[1]);
             // -noreset: without it the server starts over whenever its last client leaves, and a
             // client that comes meanwhile is turned away.
-            const std::string screen = size + "x24";
+            const std::string screen = size + "x" + std::to_string(depth);
             const char* glSwitch = withGl ? "+extension" : "-extension";
             execlp("Xvfb", "Xvfb", "-displayfd", fd.c_str(), "-screen", "0", screen.c_str(), "-nolisten", "tcp",
                    "-noreset", glSwitch, "GLX", (char*)nullptr);
@@ -182,6 +182,25 @@ TEST(Settings, ADisplayWithoutOpenGLSaysSoAndExitsWithStatusOne) {
                              "playing in a window\n"
                              "nightvector: cannot open a 1280 x 720 OpenGL window: Couldn't find matching GLX visual\n");
     EXPECT_EQ(game.output(), "");
+}
+
+// A deep-colour desktop: 10 bits a channel. Its 30-bit visuals keep no 8-bit alpha, so the game's
+// window takes the 32-bit one; a window on a 30-bit DirectColor visual would die in SDL's gamma set-up.
+TEST(Settings, AThirtyBitScreenShowsTheIntroAndEscapeLeavesCleanly) {
+    OwnScreen screen(1280, 720, true, 30);
+    ASSERT_FALSE(screen.display.empty()) << "no Xvfb";
+    Surroundings dir;
+    dir.linkData();
+    GameProcess game(dir.path(), {"DISPLAY=" + screen.display});
+    ASSERT_TRUE(game.waitForOutput("megabytes\n")) << game.errors();
+    e2e::Image shot;
+    ASSERT_TRUE(game.screenshot("screenshot_1.bmp", shot));
+    ASSERT_EQ(shot.width, 1280);
+    ASSERT_EQ(shot.height, 720);
+    // The title's row of the intro holds its ink.
+    EXPECT_GE(shot.inkColumns(25, 57).first, 0);
+    EXPECT_EQ(game.escapeAndWaitForExit(), 0) << game.errors();
+    EXPECT_EQ(game.errors(), "");
 }
 
 namespace {
