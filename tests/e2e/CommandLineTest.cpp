@@ -185,7 +185,7 @@ TEST(Settings, ADisplayWithoutOpenGLSaysSoAndExitsWithStatusOne) {
 }
 
 // A deep-colour desktop: 10 bits a channel. Its 30-bit visuals keep no 8-bit alpha, so the game's
-// window takes the 32-bit one; a window on a 30-bit DirectColor visual would die in SDL's gamma set-up.
+// window takes the 32-bit one; on a 30-bit DirectColor visual it would die in SDL's gamma set-up.
 TEST(Settings, AThirtyBitScreenShowsTheIntroAndEscapeLeavesCleanly) {
     OwnScreen screen(1280, 720, true, 30);
     ASSERT_FALSE(screen.display.empty()) << "no Xvfb";
